@@ -1,0 +1,21 @@
+#pragma once
+// Date, time and text conversions of stored values; positions only, no range checks.
+#include <QDateTime>
+#include <QString>
+
+namespace tp {
+
+inline const QString kInvalidParameter = QStringLiteral("ERROR:Invalid Parameter");
+
+QString ConvertField2StandardDate(const QString& s);   // YYYYMMDD -> MM/DD/YYYY
+QString ConvertStandard2FieldDate(const QString& s);   // MM/DD/YYYY -> YYYYMMDD
+QString FormatStoredTime(qint32 t, bool twelveHour);   // HHMMSS number -> clock text
+QDateTime GmtNow();
+bool FileExists(const QString& path);       // ordinary files and folders, hidden ones not found
+bool IsExistingFile(const QString& path);   // files incl. hidden/read-only, folders not
+bool CheckPhoneField(QString& phone);       // may rewrite phone in place
+
+// A path as written in a settings file, with "\" or "/" as separators, for this platform.
+QString NativePath(const QString& path);
+
+} // namespace tp
