@@ -18,4 +18,15 @@ bool CheckPhoneField(QString& phone);       // may rewrite phone in place
 // A path as written in a settings file, with "\" or "/" as separators, for this platform.
 QString NativePath(const QString& path);
 
+// The numeric test of the old platform as the import and settings use it: optional blanks,
+// optional sign, digits with an optional period decimal part (or a period and digits),
+// optional blanks. No exponent, no thousands separators.
+bool isNumericText(const QString& text);
+
+// The text with leading and trailing blanks (spaces only) removed, as the old Trim did.
+QString TrimBlanks(const QString& text);
+
+// 8-bit Windows-1252 bytes of a text; characters outside the code page become "?".
+QByteArray toWindows1252(const QString& text);
+
 } // namespace tp

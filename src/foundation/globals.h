@@ -35,4 +35,7 @@ void setSharedDatabase(std::unique_ptr<cDAO> db);
 // True when the active settings file is exactly "KRV.ini" (case counts).
 bool IsKrvSettings();
 
+// PrimaryDatabasePath + PrimaryDatabaseName joined as they stand, separators made native.
+QString PrimaryDatabaseFile();
+
 } // namespace tp

@@ -1,0 +1,254 @@
+#include "foundation/conversions.h"
+#include "foundation/globals.h"
+#include "foundation/log.h"
+#include "support/foundation_fixture.h"
+
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+#include <gtest/gtest.h>
+
+using namespace tp;
+using tp::test::readBytes;
+using tp::test::writeBytes;
+
+namespace {
+
+class LogTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(dir.isValid());
+        globals().PrimaryDatabasePath = dir.path() + QStringLiteral("/");
+    }
+    void TearDown() override { closeLog(); }
+
+    QString file(const QString& name) const { return QDir(dir.path()).filePath(name); }
+    QString generation(int n) const { return file(QStringLiteral("tallyp%1.LOG").arg(n)); }
+    QByteArray current() const { return readBytes(file(QStringLiteral("tallyp.LOG"))); }
+
+    // The message lines of the entries in the current file, without headers.
+    QList<QByteArray> messageLines() const
+    {
+        QList<QByteArray> out;
+        for (const QByteArray& line : current().split('\n'))
+            if (line.startsWith("        "))
+                out << line;
+        return out;
+    }
+
+    tp::test::ScopedFoundation scope;
+    QTemporaryDir dir;
+};
+
+TEST_F(LogTest, FirstEntryCreatesTheFileWithHeaderAndIndentedMessage)
+{
+    ASSERT_FALSE(QFile::exists(file(QStringLiteral("tallyp.LOG"))));
+    const QDateTime before = QDateTime::currentDateTimeUtc();
+    WriteLog(QStringLiteral("Hello log"));
+
+    const QByteArray bytes = current();
+    const QList<QByteArray> lines = bytes.split('\n');
+    ASSERT_EQ(lines.size(), 3);   // header, message, and the empty rest after the last LF
+    EXPECT_TRUE(lines[2].isEmpty());
+    EXPECT_EQ(lines[1], QByteArray("        Hello log\r"));
+
+    const QString header = QString::fromLatin1(lines[0]);
+    const QRegularExpression layout(QStringLiteral(
+        R"(^(\d\d)/(\d\d) (\d\d):(\d\d):(\d\d) GMT  System:  Form:   User:   Machine: (.+)\r$)"));
+    const auto m = layout.match(header);
+    ASSERT_TRUE(m.hasMatch()) << header.toStdString();
+    EXPECT_EQ(m.captured(6), MachineName());
+    // The stamp is UTC time, not local time.
+    const QDateTime stamp(QDate(before.date().year(), m.captured(1).toInt(), m.captured(2).toInt()),
+                          QTime(m.captured(3).toInt(), m.captured(4).toInt(), m.captured(5).toInt()),
+                          Qt::UTC);
+    EXPECT_LE(std::abs(stamp.secsTo(before)), 5);
+}
+
+TEST_F(LogTest, EntriesAppendToTheKeptFile)
+{
+    WriteLog(QStringLiteral("one"));
+    WriteLog(QStringLiteral("two"));
+    closeLog();
+    WriteLog(QStringLiteral("three"));
+    const QList<QByteArray> lines = messageLines();
+    ASSERT_EQ(lines.size(), 3);
+    EXPECT_EQ(lines[0], QByteArray("        one\r"));
+    EXPECT_EQ(lines[2], QByteArray("        three\r"));
+    EXPECT_EQ(current().count("GMT  System:"), 3);
+}
+
+TEST_F(LogTest, SizeLimitDecidesRotation)
+{
+    const QByteArray below(58500, 'a');
+    ASSERT_TRUE(writeBytes(file(QStringLiteral("tallyp.LOG")), below));
+    WriteLog(QStringLiteral("still here"));
+    closeLog();
+    EXPECT_FALSE(QFile::exists(generation(1)));
+    EXPECT_TRUE(current().startsWith(below));
+    EXPECT_TRUE(current().endsWith("        still here\r\n"));
+
+    const QByteArray atLimit(58501, 'b');
+    ASSERT_TRUE(writeBytes(file(QStringLiteral("tallyp.LOG")), atLimit));
+    WriteLog(QStringLiteral("fresh start"));
+    EXPECT_EQ(readBytes(generation(1)), atLimit);
+    EXPECT_FALSE(current().contains('b'));
+    EXPECT_EQ(messageLines(), QList<QByteArray>{QByteArray("        fresh start\r")});
+}
+
+TEST_F(LogTest, RotationShiftsExistingGenerationsAndSkipsGaps)
+{
+    ASSERT_TRUE(writeBytes(file(QStringLiteral("tallyp.LOG")), QByteArray(60000, 'c')));
+    ASSERT_TRUE(writeBytes(generation(1), "gen1"));
+    ASSERT_TRUE(writeBytes(generation(2), "gen2"));
+    ASSERT_TRUE(writeBytes(generation(10), "gen10"));
+    WriteLog(QStringLiteral("after rotation"));
+
+    EXPECT_EQ(readBytes(generation(1)), QByteArray(60000, 'c'));
+    EXPECT_EQ(readBytes(generation(2)), QByteArray("gen1"));
+    EXPECT_EQ(readBytes(generation(3)), QByteArray("gen2"));
+    for (int n = 4; n <= 10; ++n)
+        EXPECT_FALSE(QFile::exists(generation(n))) << n;
+    EXPECT_FALSE(QFile::exists(generation(11)));
+    EXPECT_TRUE(current().endsWith("        after rotation\r\n"));
+}
+
+TEST_F(LogTest, RotationWithAllGenerationsDropsTheOldest)
+{
+    ASSERT_TRUE(writeBytes(file(QStringLiteral("tallyp.LOG")), QByteArray(58501, 'x')));
+    for (int n = 1; n <= 10; ++n)
+        ASSERT_TRUE(writeBytes(generation(n), QByteArray("gen") + QByteArray::number(n)));
+    // A read-only generation is still a file to the rotation.
+    QFile::setPermissions(generation(9), QFile::ReadOwner);
+    WriteLog(QStringLiteral("m"));
+
+    EXPECT_EQ(readBytes(generation(10)), QByteArray("gen9"));
+    EXPECT_EQ(readBytes(generation(2)), QByteArray("gen1"));
+    EXPECT_EQ(readBytes(generation(1)), QByteArray(58501, 'x'));
+    EXPECT_FALSE(QFile::exists(generation(11)));
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files).size(), 11);
+}
+
+TEST_F(LogTest, MessageIsCutAtTheFirstBlankSixtyEightPlacesOn)
+{
+    QString message(150, QLatin1Char('x'));
+    message[59] = QLatin1Char(' ');
+    message[99] = QLatin1Char(' ');
+    WriteLog(message);
+    const QList<QByteArray> lines = messageLines();
+    ASSERT_EQ(lines.size(), 2);
+    EXPECT_EQ(lines[0], "        " + message.left(100).toLatin1() + "\r");
+    EXPECT_EQ(lines[1], "        " + message.mid(100).toLatin1() + "\r");
+}
+
+TEST_F(LogTest, PieceBoundaryIsExactlySixtyEight)
+{
+    // A blank 68 places after the start ends the piece; one place earlier does not.
+    QString at68 = QString(100, QLatin1Char('a'));
+    at68[68] = QLatin1Char(' ');
+    QString at67 = QString(100, QLatin1Char('b'));
+    at67[67] = QLatin1Char(' ');
+    WriteLog(at68);
+    WriteLog(at67);
+    const QList<QByteArray> lines = messageLines();
+    ASSERT_EQ(lines.size(), 3);
+    EXPECT_EQ(lines[0].size(), 8 + 69 + 1);
+    EXPECT_EQ(lines[1].size(), 8 + 31 + 1);
+    EXPECT_EQ(lines[2].size(), 8 + 100 + 1);
+}
+
+TEST_F(LogTest, ShortEmptyAndUnbrokenMessages)
+{
+    WriteLog(QStringLiteral("Z"));
+    WriteLog(QString());
+    WriteLog(QString(300, QLatin1Char('q')));
+    const QList<QByteArray> lines = messageLines();
+    ASSERT_EQ(lines.size(), 2);
+    EXPECT_EQ(lines[0], QByteArray("        Z\r"));
+    EXPECT_EQ(lines[1].size(), 8 + 300 + 1);
+    EXPECT_EQ(current().count("GMT  System:"), 3);
+}
+
+TEST_F(LogTest, TextIsWrittenInTheEightBitCodePage)
+{
+    WriteLog(QStringLiteral("Caf\u00e9 \u20ac5 \u65e5"));
+    EXPECT_EQ(messageLines(), QList<QByteArray>{QByteArray("        Caf\xe9 \x80" "5 ?\r")});
+}
+
+TEST_F(LogTest, MissingFolderTellsTheUserEveryTimeAndWritesNothing)
+{
+    const QString missing = dir.path() + QStringLiteral("/nowhere");
+    globals().PrimaryDatabasePath = missing;
+    WriteLog(QStringLiteral("lost"));
+    WriteLog(QStringLiteral("lost again"));
+
+    const QString expected = QStringLiteral("Cannot access the path specified for the Primary System Path: ")
+                             + missing + QStringLiteral("/ Please check this path and restart the program.");
+    ASSERT_EQ(scope.feedback.shown.size(), 2u);
+    for (const auto& shown : scope.feedback.shown) {
+        EXPECT_EQ(shown.kind, ScriptedFeedback::Shown::Message);
+        EXPECT_EQ(shown.code, 1);
+        EXPECT_EQ(shown.title, QStringLiteral("Cannot locate the Path"));
+        EXPECT_EQ(shown.text, expected);
+    }
+    EXPECT_FALSE(QFileInfo::exists(missing));
+    EXPECT_TRUE(QDir(dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot).isEmpty());
+}
+
+TEST_F(LogTest, BackslashFolderAndFolderChangeAreFollowed)
+{
+    QString windowsStyle = dir.path();
+    windowsStyle.replace(QLatin1Char('/'), QLatin1Char('\\'));
+    globals().PrimaryDatabasePath = windowsStyle;
+    WriteLog(QStringLiteral("first"));
+    EXPECT_TRUE(current().endsWith("        first\r\n"));
+
+    QTemporaryDir other;
+    globals().PrimaryDatabasePath = other.path();
+    WriteLog(QStringLiteral("second"));
+    EXPECT_FALSE(current().contains("second"));
+    EXPECT_TRUE(readBytes(QDir(other.path()).filePath(QStringLiteral("tallyp.LOG"))).contains("second"));
+}
+
+TEST_F(LogTest, StemNamesTheFile)
+{
+    setLogStem(QStringLiteral("abcdef"));
+    WriteLog(QStringLiteral("named"));
+    EXPECT_TRUE(readBytes(file(QStringLiteral("abcdef.LOG"))).contains("named"));
+    setLogStem(QString());
+    EXPECT_EQ(logStem().size(), 6);
+    EXPECT_FALSE(MachineName().isEmpty());
+}
+
+TEST(MessageRoutines, BoxesAndQuestionsGoToTheInstalledSink)
+{
+    tp::test::ScopedFoundation scope;
+    ScriptedFeedback& fb = scope.feedback;
+    ShowMessage(0, QStringLiteral("Done"));
+    ShowMessage(16, QStringLiteral("Stop"));
+    EXPECT_EQ(AskUser(0, QStringLiteral("Sure?")), AnswerNo);
+    EXPECT_EQ(AskUser(1, QStringLiteral("Again?")), AnswerCancel);
+    EXPECT_EQ(AskUser(3, QStringLiteral("Never shown")), AnswerNone);
+    fb.defaultYes = true;
+    EXPECT_EQ(AskUser(0, QStringLiteral("Sure?")), AnswerYes);
+    EXPECT_EQ(AskUser(1, QStringLiteral("Again?")), AnswerRetry);
+    fb.answers = {AnswerNo, AnswerCancel};
+    EXPECT_EQ(AskUser(0, QStringLiteral("Queued")), AnswerNo);
+    EXPECT_EQ(AskUser(1, QStringLiteral("Queued")), AnswerCancel);
+    EXPECT_EQ(AskUser(0, QStringLiteral("Queue empty")), AnswerYes);
+
+    EXPECT_EQ(fb.messages(), (QStringList{QStringLiteral("Done"), QStringLiteral("Stop")}));
+    EXPECT_EQ(fb.questions().size(), 7);
+    EXPECT_FALSE(fb.questions().contains(QStringLiteral("Never shown")));
+    ASSERT_GE(fb.shown.size(), 2u);
+    EXPECT_EQ(fb.shown[0].title, kBoxTitle);
+    EXPECT_EQ(fb.shown[1].code, 16);
+
+    // Without an installed sink the default one answers No and records the box.
+    setFeedback(nullptr);
+    EXPECT_EQ(AskUser(0, QStringLiteral("Unattended")), AnswerNo);
+    EXPECT_EQ(fb.questions().size(), 7);
+}
+
+} // namespace

@@ -1,0 +1,278 @@
+#include "foundation/globals.h"
+#include "foundation/settings.h"
+#include "support/foundation_fixture.h"
+
+#include <QDir>
+#include <QFile>
+#include <gtest/gtest.h>
+
+using namespace tp;
+
+namespace {
+
+class IniTest : public ::testing::Test {
+protected:
+    QString read(const QString& section, const QString& key, const QVariant& file = QVariant())
+    {
+        value = QStringLiteral("stale");
+        return GetOneIniKey(section, key, value, file);
+    }
+
+    tp::test::ScopedFoundation scope;
+    tp::test::ScopedSettingsDir settings;
+    QString value;
+};
+
+const QByteArray kKrv = "; written by the host product\r\n"
+                        "[PRIMARY]\r\n"
+                        "Field1=C:\\Velotrek\\Data\\\r\n"
+                        "  Field2 =   velo.mdb   \r\n"
+                        "Empty=\r\n"
+                        "Quoted=\"  padded  \"\r\n"
+                        "Single='x'\r\n"
+                        "HalfQuoted=\"open\r\n"
+                        ";Commented=yes\r\n"
+                        "Field1=second wins not\r\n"
+                        "[GPS]\r\n"
+                        "GPSTargetAreaDeviation=0.25\r\n"
+                        "[NoKeys]\r\n"
+                        "[primary]\r\n"
+                        "Later=ignored because the first PRIMARY section wins\r\n";
+
+TEST_F(IniTest, ArgumentsAreCheckedInOrder)
+{
+    EXPECT_EQ(read(QString(), QString(), QVariant(5)), QStringLiteral("Invalid section name"));
+    EXPECT_EQ(read(QString(QChar(0)) + QStringLiteral("PRIMARY"), QStringLiteral("Field1")),
+              QStringLiteral("Invalid section name"));
+    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QString(), QVariant(5)), QStringLiteral("Invalid key name"));
+    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QString(QChar(0))), QStringLiteral("Invalid key name"));
+    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QStringLiteral("Field1"), QVariant(5)),
+              QStringLiteral("Invalid file spec"));
+    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QStringLiteral("Field1"), QVariant(QByteArray("KRV.ini"))),
+              QStringLiteral("Invalid file spec"));
+    EXPECT_TRUE(value.isEmpty());
+}
+
+TEST_F(IniTest, StatusTextsTellWhyTheValueIsEmpty)
+{
+    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QStringLiteral("Field1")), QStringLiteral("Ini file was not found"));
+    EXPECT_TRUE(value.isEmpty());
+
+    settings.write(QStringLiteral("KRV.ini"), kKrv);
+    EXPECT_EQ(read(QStringLiteral("Nowhere"), QStringLiteral("Field1")), QStringLiteral("Section was not found"));
+    EXPECT_EQ(read(QStringLiteral("NoKeys"), QStringLiteral("Field1")), QStringLiteral("Section was not found"));
+    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QStringLiteral("Missing")), QStringLiteral("Key name was not found"));
+    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QStringLiteral("GPSTargetAreaDeviation")),
+              QStringLiteral("Key name was not found"));
+    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QStringLiteral("Commented")), QStringLiteral("Key name was not found"));
+    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QStringLiteral("Later")), QStringLiteral("Key name was not found"));
+    EXPECT_TRUE(value.isEmpty());
+}
+
+TEST_F(IniTest, ValuesAreReadAsTheProfileReaderReturnsThem)
+{
+    settings.write(QStringLiteral("KRV.ini"), kKrv);
+    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QStringLiteral("Field1")), QString());
+    EXPECT_EQ(value, QStringLiteral("C:\\Velotrek\\Data\\"));
+    EXPECT_EQ(read(QStringLiteral("primary"), QStringLiteral("FIELD2"), QString()), QString());
+    EXPECT_EQ(value, QStringLiteral("velo.mdb"));
+    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QStringLiteral("Empty")), QString());
+    EXPECT_EQ(value, QString());
+    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QStringLiteral("Quoted")), QString());
+    EXPECT_EQ(value, QStringLiteral("  padded  "));
+    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QStringLiteral("single")), QString());
+    EXPECT_EQ(value, QStringLiteral("x"));
+    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QStringLiteral("HalfQuoted")), QString());
+    EXPECT_EQ(value, QStringLiteral("\"open"));
+    EXPECT_EQ(read(QStringLiteral("gps"), QStringLiteral("gpstargetareadeviation")), QString());
+    EXPECT_EQ(value, QStringLiteral("0.25"));
+}
+
+TEST_F(IniTest, LongValuesAreCutToTheBuffer)
+{
+    const QByteArray longValue(3000, 'v');
+    settings.write(QStringLiteral("KRV.ini"), "[PRIMARY]\nField1=" + longValue + "\nField2=x\n");
+    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QStringLiteral("Field1")), QString());
+    EXPECT_EQ(value, QString(2047, QLatin1Char('v')));
+    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QStringLiteral("Field2")), QString());
+    EXPECT_EQ(value, QStringLiteral("x"));
+}
+
+TEST_F(IniTest, KeyListBeyondItsBufferHidesEmptyKeys)
+{
+    // About 40,000 characters of key names: the last ones fall outside the 32767-character list.
+    QByteArray body = "[BIG]\n";
+    for (int i = 0; i < 4000; ++i)
+        body += "Key" + QByteArray::number(100000 + i) + "=\n";
+    body += "Valued=yes\n";
+    settings.write(QStringLiteral("KRV.ini"), body);
+    EXPECT_EQ(read(QStringLiteral("BIG"), QStringLiteral("Key100000")), QString());
+    EXPECT_EQ(read(QStringLiteral("BIG"), QStringLiteral("Key103999")), QStringLiteral("Key name was not found"));
+    EXPECT_EQ(read(QStringLiteral("BIG"), QStringLiteral("Valued")), QString());
+    EXPECT_EQ(value, QStringLiteral("yes"));
+}
+
+TEST_F(IniTest, FileNamesAreFoundLikeTheProfileReaderFindsThem)
+{
+    settings.write(QStringLiteral("lumtrek.ini"), "[PRIMARY]\nField1=lum\n");
+    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QStringLiteral("Field1"), QStringLiteral("lumtrek.ini")), QString());
+    EXPECT_EQ(value, QStringLiteral("lum"));
+    // Without a name the host product's own file is meant.
+    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QStringLiteral("Field1")), QStringLiteral("Ini file was not found"));
+
+    // A name with a folder part is taken as it stands, with either separator.
+    QTemporaryDir elsewhere;
+    const QString full = QDir(elsewhere.path()).filePath(QStringLiteral("KRV.ini"));
+    tp::test::writeBytes(full, "[PRIMARY]\nField1=there\n");
+    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QStringLiteral("Field1"), full), QString());
+    EXPECT_EQ(value, QStringLiteral("there"));
+    QString backslashed = full;
+    backslashed.replace(QLatin1Char('/'), QLatin1Char('\\'));
+    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QStringLiteral("Field1"), backslashed), QString());
+    EXPECT_EQ(value, QStringLiteral("there"));
+    // A relative name with a folder part is not looked for in the settings folder.
+    settings.write(QStringLiteral("KRV.ini"), "[PRIMARY]\nField1=here\n");
+    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QStringLiteral("Field1"), QStringLiteral("no-such-sub/KRV.ini")),
+              QStringLiteral("Ini file was not found"));
+}
+
+TEST_F(IniTest, SettingsFolderFollowsTheEnvironment)
+{
+    EXPECT_EQ(SettingsFolder(), settings.path());
+    const QByteArray saved = qgetenv("TALLYPORT_SETTINGS_DIR");
+    const QByteArray savedXdg = qgetenv("XDG_CONFIG_HOME");
+    const bool hadXdg = qEnvironmentVariableIsSet("XDG_CONFIG_HOME");
+    qunsetenv("TALLYPORT_SETTINGS_DIR");
+    qputenv("XDG_CONFIG_HOME", "/x/config");
+    EXPECT_EQ(SettingsFolder(), QStringLiteral("/x/config/tallyport"));
+    qunsetenv("XDG_CONFIG_HOME");
+    EXPECT_EQ(SettingsFolder(), QDir::homePath() + QStringLiteral("/.config/tallyport"));
+    if (hadXdg)
+        qputenv("XDG_CONFIG_HOME", savedXdg);
+    qputenv("TALLYPORT_SETTINGS_DIR", saved);
+}
+
+class LoaderTest : public IniTest {
+protected:
+    void load(const QByteArray& content, const QString& name = QStringLiteral("KRV.ini"))
+    {
+        settings.write(name, content);
+        globals().SettingsFileName = name;
+        result = SetGlobalsFromINIFile();
+    }
+    QByteArray primary() const
+    {
+        return "[PRIMARY]\nField1=" + QFile::encodeName(logDir.path()) + "\\\nField2=velo.db\n";
+    }
+    QByteArray logText() const { return tp::test::readBytes(QDir(logDir.path()).filePath("tallyp.LOG")); }
+
+    QTemporaryDir logDir;
+    bool result = false;
+};
+
+TEST_F(LoaderTest, FillsEverySetting)
+{
+    load(primary() + "SevereError=S\nMinorError=M\nFieldPSP=P\nField6=true\n[GPS]\nGPSTargetAreaDeviation= 12.5\n",
+         QStringLiteral("lumtrek.ini"));
+    EXPECT_TRUE(result);
+    const Globals& g = globals();
+    EXPECT_EQ(g.PrimaryDatabasePath, logDir.path() + QStringLiteral("\\"));
+    EXPECT_EQ(g.PrimaryDatabaseName, QStringLiteral("velo.db"));
+    EXPECT_EQ(PrimaryDatabaseFile(), logDir.path() + QStringLiteral("/velo.db"));
+    EXPECT_EQ(g.SevereErrorSetting, QStringLiteral("S"));
+    EXPECT_EQ(g.MinorErrorSetting, QStringLiteral("M"));
+    EXPECT_EQ(g.FieldPSPSetting, QStringLiteral("P"));
+    EXPECT_DOUBLE_EQ(g.GPSTargetAreaDeviation, 12.5);
+    EXPECT_TRUE(g.Field6Flag);
+    EXPECT_EQ(g.DatabasePassword, QStringLiteral("MarlinGate"));
+    EXPECT_FALSE(IsKrvSettings());
+    EXPECT_TRUE(scope.feedback.shown.empty());
+    EXPECT_TRUE(logText().isEmpty());
+}
+
+TEST_F(LoaderTest, MissingOptionalKeysKeepTheirValues)
+{
+    globals().SevereErrorSetting = QStringLiteral("kept");
+    globals().GPSTargetAreaDeviation = 3;
+    globals().Field6Flag = true;
+    load(primary());
+    EXPECT_TRUE(result);
+    EXPECT_TRUE(IsKrvSettings());
+    globals().SettingsFileName = QStringLiteral("krv.ini");
+    EXPECT_FALSE(IsKrvSettings());
+    EXPECT_EQ(globals().SevereErrorSetting, QStringLiteral("kept"));
+    EXPECT_DOUBLE_EQ(globals().GPSTargetAreaDeviation, 3);
+    EXPECT_TRUE(globals().Field6Flag);
+    EXPECT_EQ(globals().DatabasePassword, QStringLiteral("MarlinGate"));
+}
+
+TEST_F(LoaderTest, Field6AcceptsWordsAndNumbers)
+{
+    const std::pair<QByteArray, bool> cases[] = {{"TRUE", true}, {"False", false}, {"-1", true}, {"0", false},
+                                                 {"2.5", true}, {" fAlSe ", false}};
+    for (const auto& [text, expected] : cases) {
+        globals().Field6Flag = !expected;
+        load(primary() + "Field6=" + text + "\n");
+        EXPECT_EQ(globals().Field6Flag, expected) << text.constData();
+    }
+    EXPECT_TRUE(logText().isEmpty());
+}
+
+TEST_F(LoaderTest, MissingDatabasePathIsFatal)
+{
+    load("[PRIMARY]\nField2=velo.db\n");
+    EXPECT_FALSE(result);
+    EXPECT_EQ(scope.feedback.messages(), QStringList{QStringLiteral("Failed to locate Primary Database Path!")});
+    ASSERT_EQ(scope.feedback.shown.size(), 1u);
+    EXPECT_EQ(scope.feedback.shown[0].code, 1);
+    EXPECT_EQ(scope.feedback.shown[0].title, kBoxTitle);
+    EXPECT_TRUE(globals().PrimaryDatabaseName.isEmpty());
+}
+
+TEST_F(LoaderTest, MissingDatabaseNameIsFatal)
+{
+    load("[PRIMARY]\nField1=C:\\data\\\n");
+    EXPECT_FALSE(result);
+    EXPECT_EQ(scope.feedback.messages(), QStringList{QStringLiteral("Failed to locate Primary Database!")});
+    EXPECT_EQ(globals().PrimaryDatabasePath, QStringLiteral("C:\\data\\"));
+    EXPECT_EQ(globals().DatabasePassword, QString());
+}
+
+TEST_F(LoaderTest, MissingFileIsFatal)
+{
+    globals().SettingsFileName = QStringLiteral("KRV.ini");
+    EXPECT_FALSE(SetGlobalsFromINIFile());
+    EXPECT_EQ(scope.feedback.messages(), QStringList{QStringLiteral("Failed to locate Primary Database Path!")});
+}
+
+TEST_F(LoaderTest, EmptyPathAndNameAreLeftToTheDatabaseOpen)
+{
+    load("[PRIMARY]\nField1=\nField2=\n");
+    EXPECT_TRUE(result);
+    EXPECT_TRUE(scope.feedback.shown.empty());
+    EXPECT_EQ(globals().DatabasePassword, QStringLiteral("MarlinGate"));
+}
+
+TEST_F(LoaderTest, UnconvertibleDeviationIsLoggedAndStopsTheRest)
+{
+    load(primary() + "Field6=true\n[GPS]\nGPSTargetAreaDeviation=1,5\n");
+    EXPECT_TRUE(result);
+    EXPECT_TRUE(scope.feedback.shown.empty());
+    EXPECT_DOUBLE_EQ(globals().GPSTargetAreaDeviation, 0);
+    EXPECT_FALSE(globals().Field6Flag);
+    EXPECT_TRUE(globals().DatabasePassword.isEmpty());
+    EXPECT_TRUE(logText().endsWith("        Error occurred in SetGlobalsFromINIFile:Globals\r\n13\r\n"))
+        << logText().constData();
+}
+
+TEST_F(LoaderTest, UnconvertibleField6IsLogged)
+{
+    load(primary() + "Field6=yes\n[GPS]\nGPSTargetAreaDeviation=-0.5\n");
+    EXPECT_TRUE(result);
+    EXPECT_DOUBLE_EQ(globals().GPSTargetAreaDeviation, -0.5);
+    EXPECT_FALSE(globals().Field6Flag);
+    EXPECT_TRUE(globals().DatabasePassword.isEmpty());
+    EXPECT_EQ(logText().count("Error occurred in SetGlobalsFromINIFile:Globals"), 1);
+}
+
+} // namespace
