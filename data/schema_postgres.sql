@@ -4,7 +4,7 @@
 -- Dates are whole numbers YYYYMMDD, times whole numbers HHMMSS (no leading zeros).
 -- Truth values are whole numbers: -1 or 1 for true, 0 for false.
 -- Text widths are declared so that the import can cut values to the column's size.
--- Names are unquoted and fold to lower case; Date, Time and Year are quoted to show they are columns.
+-- Names are unquoted and fold to lower case (Date, Time and Year are ordinary column names here).
 -- The master tables (employees, vehicles, customers) carry no unique key on their
 -- numbers: an import may add two file records with the same number.
 
@@ -69,7 +69,7 @@ CREATE TABLE VehicleInfo (
     VehicleIdentifier varchar(30),
     BranchNumber    integer DEFAULT 0,
     DateAcquired    varchar(8),
-    "year"          integer,
+    year            integer,
     Make            varchar(20),
     Model           varchar(20),
     VehicleDescription varchar(50),
@@ -116,8 +116,8 @@ CREATE TABLE JobTimeRecords (
     VehicleBlock    integer,
     EmployeeFirstName varchar(20),
     EmployeeLastName varchar(30),
-    "date"          integer,
-    "time"          integer,
+    date            integer,
+    time            integer,
     JobRecordID     integer,
     CustomerNumber  integer,
     IsJobInRecord   smallint NOT NULL DEFAULT 0,
@@ -137,8 +137,8 @@ CREATE TABLE InventoryHistory (
     UsedQuantity    integer,
     EmployeeFirstName varchar(20),
     EmployeeLastName varchar(30),
-    "date"          integer,
-    "time"          integer,
+    date            integer,
+    time            integer,
     JobRecordID     integer,
     Approved        integer NOT NULL DEFAULT 0,
     ExportID        integer NOT NULL DEFAULT 0
@@ -172,9 +172,9 @@ CREATE INDEX ixVehicleInfoNumber ON VehicleInfo (VehicleNumber);
 CREATE INDEX ixCustomerInfoNumber ON CustomerInfo (CustomerNumber);
 CREATE INDEX ixCommonLocationsName ON CommonLocations (LocationName);
 CREATE INDEX ixJobTimeRecordsExport ON JobTimeRecords (Approved, ExportID);
-CREATE INDEX ixJobTimeRecordsDate ON JobTimeRecords ("date");
+CREATE INDEX ixJobTimeRecordsDate ON JobTimeRecords (date);
 CREATE INDEX ixInventoryHistoryExport ON InventoryHistory (Approved, ExportID);
-CREATE INDEX ixInventoryHistoryDate ON InventoryHistory ("date");
+CREATE INDEX ixInventoryHistoryDate ON InventoryHistory (date);
 CREATE INDEX ixTrackActivitySubject ON EmployeeTrackActivity (EmployeeNumber, VehicleNumber, TrackingDate);
 CREATE INDEX ixGPSCoordinatesTrack ON GPSCoordinates (TrackID, RcvDate, RcvTime);
 CREATE INDEX ixGPSCoordinatesRcvDate ON GPSCoordinates (RcvDate);
