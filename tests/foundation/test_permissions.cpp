@@ -3,6 +3,7 @@
 #include "foundation/globals.h"
 #include "foundation/permissions.h"
 #include "support/foundation_fixture.h"
+#include "support/test_databases.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -15,12 +16,23 @@ namespace {
 
 // The demo database holds: user 1 administrator (-1); user 2 with CanView on forms 31 and 11
 // and CanAdd + CanModify on form 12; user 3 with CanAdd only on 12 and an empty row for 11.
-class PermissionTest : public ::testing::Test {
+// Runs on SQLite, and on PostgreSQL when a test server is named.
+class PermissionTest : public ::testing::TestWithParam<bool> {
 protected:
+    bool postgres() const { return GetParam(); }
+
     void SetUp() override
     {
         ASSERT_TRUE(dir.isValid());
-        file = dir.filePath(QStringLiteral("perm.db"));
+        if (postgres()) {
+            if (tp::test::pgTestUrl().isEmpty())
+                GTEST_SKIP() << tp::test::kPgSkipMessage;
+            scratch = std::make_unique<tp::test::PgScratchDatabase>();
+            ASSERT_TRUE(scratch->ok()) << scratch->error().toStdString();
+            location = scratch->url();
+        } else {
+            location = dir.filePath(QStringLiteral("perm.db"));
+        }
         DemoOptions o;
         o.employees = 3;
         o.vehicles = 2;
@@ -31,22 +43,30 @@ protected:
         o.tracks = 1;
         o.gpsPoints = 3;
         QString error;
-        ASSERT_TRUE(createDemoDatabase(file, o, &error)) << error.toStdString();
+        ASSERT_TRUE(createDemoDatabase(location, o, &error)) << error.toStdString();
         connect();
     }
+
+    // The program's connection goes before the scratch database is dropped.
+    void TearDown() override { setSharedDatabase(nullptr); }
 
     void connect()
     {
         auto db = std::make_unique<cDAO>();
-        ASSERT_TRUE(db->DB_Connect(file, QString(), QStringLiteral("Admin"), QStringLiteral("MarlinGate")));
+        ASSERT_TRUE(db->DB_Connect(location, QString(), QStringLiteral("Admin"), QStringLiteral("MarlinGate")));
         setSharedDatabase(std::move(db));
     }
 
-    // Changes the file behind the program's back, as the host product would.
+    // Changes the database behind the program's back, as the host product would.
     void run(const char* sql)
     {
+        if (postgres()) {
+            QString why;
+            ASSERT_TRUE(scratch->run(QString::fromLatin1(sql), &why)) << why.toStdString();
+            return;
+        }
         sqlite3* db = nullptr;
-        ASSERT_EQ(sqlite3_open(QFile::encodeName(file).constData(), &db), SQLITE_OK);
+        ASSERT_EQ(sqlite3_open(QFile::encodeName(location).constData(), &db), SQLITE_OK);
         char* message = nullptr;
         const int rc = sqlite3_exec(db, sql, nullptr, nullptr, &message);
         const std::string why = message ? message : "";
@@ -55,17 +75,13 @@ protected:
         ASSERT_EQ(rc, SQLITE_OK) << why;
     }
 
-    long long count(const char* sql)
+    // Rows of a table, seen through a connection of its own.
+    qint32 rows(const char* table)
     {
-        sqlite3* db = nullptr;
-        sqlite3_stmt* st = nullptr;
-        long long n = -1;
-        if (sqlite3_open(QFile::encodeName(file).constData(), &db) == SQLITE_OK
-            && sqlite3_prepare_v2(db, sql, -1, &st, nullptr) == SQLITE_OK && sqlite3_step(st) == SQLITE_ROW)
-            n = sqlite3_column_int64(st, 0);
-        sqlite3_finalize(st);
-        sqlite3_close(db);
-        return n;
+        cDAO other;
+        if (!other.DB_Connect(location, QString(), QStringLiteral("Admin"), QStringLiteral("MarlinGate")))
+            return -1;
+        return other.Reco_Count(QStringLiteral("Select * from ") + QString::fromLatin1(table));
     }
 
     bool check(const QString& user, const char* code, int form)
@@ -76,10 +92,11 @@ protected:
 
     tp::test::ScopedFoundation scope;
     QTemporaryDir dir;
-    QString file;
+    std::unique_ptr<tp::test::PgScratchDatabase> scratch;
+    QString location;
 };
 
-TEST_F(PermissionTest, AdministratorPassesEveryCodeWhetherStoredAsMinusOneOrOne)
+TEST_P(PermissionTest, AdministratorPassesEveryCodeWhetherStoredAsMinusOneOrOne)
 {
     for (const char* code : {"IMP", "EXP", "EXP2", "NOPE", ""}) {
         EXPECT_TRUE(check(QStringLiteral("1"), code, 11)) << code;
@@ -93,7 +110,7 @@ TEST_F(PermissionTest, AdministratorPassesEveryCodeWhetherStoredAsMinusOneOrOne)
     EXPECT_FALSE(check(QStringLiteral("1"), "EXP2", 11));
 }
 
-TEST_F(PermissionTest, UserWithSomeRightsPassesOnlyThose)
+TEST_P(PermissionTest, UserWithSomeRightsPassesOnlyThose)
 {
     const QString user = QStringLiteral("2");
     EXPECT_TRUE(check(user, "EXP2", 11));    // CanView on 31 (-1) and on 11 (1)
@@ -110,7 +127,7 @@ TEST_F(PermissionTest, UserWithSomeRightsPassesOnlyThose)
     EXPECT_FALSE(check(user, "ADMIN", 11));
 }
 
-TEST_F(PermissionTest, UserWithoutRightsIsRefusedEverywhere)
+TEST_P(PermissionTest, UserWithoutRightsIsRefusedEverywhere)
 {
     for (int form : {0, 2, 3, 4, 11, 12, 20, 26, 31}) {
         EXPECT_FALSE(check(QStringLiteral("3"), "IMP", form)) << form;   // 12: CanAdd without CanModify
@@ -120,7 +137,7 @@ TEST_F(PermissionTest, UserWithoutRightsIsRefusedEverywhere)
     }
 }
 
-TEST_F(PermissionTest, ViewOnTheFormWithoutFormThirtyOneFailsTheTwoFormRule)
+TEST_P(PermissionTest, ViewOnTheFormWithoutFormThirtyOneFailsTheTwoFormRule)
 {
     run("INSERT INTO UserNames (UserID, UserName, Administrator) VALUES (7, 'Seven', 0);"
         "INSERT INTO Permissions (UserID, FormID, CanAdd, CanModify, CanView) VALUES (7, 11, 0, 0, -1);"
@@ -131,7 +148,7 @@ TEST_F(PermissionTest, ViewOnTheFormWithoutFormThirtyOneFailsTheTwoFormRule)
     EXPECT_TRUE(check(QStringLiteral("7"), "EXP2", 11));
 }
 
-TEST_F(PermissionTest, TwoFormRuleOnFormThirtyOneNeedsTwoRowsAndNotThree)
+TEST_P(PermissionTest, TwoFormRuleOnFormThirtyOneNeedsTwoRowsAndNotThree)
 {
     run("INSERT INTO Permissions (UserID, FormID, CanAdd, CanModify, CanView) VALUES (8, 31, 0, 0, -1)");
     EXPECT_FALSE(check(QStringLiteral("8"), "EXP2", 31));
@@ -142,7 +159,7 @@ TEST_F(PermissionTest, TwoFormRuleOnFormThirtyOneNeedsTwoRowsAndNotThree)
     EXPECT_FALSE(check(QStringLiteral("8"), "EXP2", 26));   // rows of 31 and 26 make three
 }
 
-TEST_F(PermissionTest, ImportNeedsAddAndModifyTogether)
+TEST_P(PermissionTest, ImportNeedsAddAndModifyTogether)
 {
     run("INSERT INTO Permissions (UserID, FormID, CanAdd, CanModify, CanView) VALUES (9, 3, -1, 0, -1);"
         "INSERT INTO Permissions (UserID, FormID, CanAdd, CanModify, CanView) VALUES (9, 2, 0, 1, -1);"
@@ -153,7 +170,7 @@ TEST_F(PermissionTest, ImportNeedsAddAndModifyTogether)
     EXPECT_FALSE(check(QStringLiteral("9"), "EXP", 0));
 }
 
-TEST_F(PermissionTest, UserIdMayCarryBlanksAndSignButNothingElse)
+TEST_P(PermissionTest, UserIdMayCarryBlanksAndSignButNothingElse)
 {
     EXPECT_TRUE(check(QStringLiteral(" 1 "), "IMP", 2));
     EXPECT_TRUE(check(QStringLiteral("+2"), "IMP", 12));
@@ -164,7 +181,7 @@ TEST_F(PermissionTest, UserIdMayCarryBlanksAndSignButNothingElse)
     EXPECT_FALSE(check(QStringLiteral("99999999999999999999"), "IMP", 12));
 }
 
-TEST_F(PermissionTest, HostileUserIdsAreRefusedWithoutReachingTheDatabase)
+TEST_P(PermissionTest, HostileUserIdsAreRefusedWithoutReachingTheDatabase)
 {
     // Each would make an administrator of anybody, or worse, if it were pasted as it stands.
     for (const char* hostile : {"0 OR 1=1", "0 or Administrator<>0", "1; DROP TABLE UserNames",
@@ -172,13 +189,13 @@ TEST_F(PermissionTest, HostileUserIdsAreRefusedWithoutReachingTheDatabase)
         for (const char* code : {"IMP", "EXP", "EXP2", "ANY"})
             EXPECT_FALSE(check(QString::fromLatin1(hostile), code, 12)) << hostile << ' ' << code;
     }
-    EXPECT_EQ(count("SELECT count(*) FROM UserNames"), 3);
-    EXPECT_EQ(count("SELECT count(*) FROM Permissions"), 5);
+    EXPECT_EQ(rows("UserNames"), 3);
+    EXPECT_EQ(rows("Permissions"), 5);
     EXPECT_EQ(SharedDatabase()->appError, 0);   // nothing ran, so nothing failed
     EXPECT_TRUE(check(QStringLiteral("1"), "IMP", 2));
 }
 
-TEST_F(PermissionTest, DatabaseFailuresRefuse)
+TEST_P(PermissionTest, DatabaseFailuresRefuse)
 {
     run("DROP TABLE Permissions");
     EXPECT_FALSE(check(QStringLiteral("2"), "IMP", 12));
@@ -190,7 +207,7 @@ TEST_F(PermissionTest, DatabaseFailuresRefuse)
     EXPECT_FALSE(check(QStringLiteral("1"), "EXP", 4));
 }
 
-TEST_F(PermissionTest, RightsChangedWhileRunningCountAtTheNextCheck)
+TEST_P(PermissionTest, RightsChangedWhileRunningCountAtTheNextCheck)
 {
     EXPECT_FALSE(check(QStringLiteral("3"), "IMP", 12));
     run("UPDATE Permissions SET CanModify = -1 WHERE UserID = 3 AND FormID = 12");
@@ -198,5 +215,10 @@ TEST_F(PermissionTest, RightsChangedWhileRunningCountAtTheNextCheck)
     run("UPDATE UserNames SET Administrator = -1 WHERE UserID = 3");
     EXPECT_TRUE(check(QStringLiteral("3"), "EXP2", 20));
 }
+
+INSTANTIATE_TEST_SUITE_P(Engines, PermissionTest, ::testing::Values(false, true),
+                         [](const ::testing::TestParamInfo<bool>& info) {
+                             return std::string(info.param ? "PostgreSQL" : "SQLite");
+                         });
 
 } // namespace
