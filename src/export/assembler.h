@@ -1,0 +1,112 @@
+#pragma once
+// What every export data set offers the Export window, the save flow and the batch tool:
+// availability, count, a first-rows preview, a streamed load and marking as exported.
+// Callers describe the selection with a plain ExportRequest; an assembler holds no window state.
+#include <QElapsedTimer>
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+#include <vector>
+
+namespace tp {
+
+class cDAO;
+class Feedback;
+
+inline const QString kTableTime = QStringLiteral("JobTimeRecords");
+inline const QString kTableInventory = QStringLiteral("Inventory");
+inline const QString kTableGps = QStringLiteral("GPSCoordinates");
+inline const QString kTableLocations = QStringLiteral("CommonLocations");
+
+struct ExportRequest {
+    QString table;              // msTableSelected: kTableTime, ...
+    qint32 exportId = 0;        // mlExportID
+    bool byDate = false;        // both date boxes filled
+    QString start, stop;        // YYYYMMDD, used when byDate
+    QStringList fields;         // output column field names, in column order (grid header texts)
+    bool formatDate = false;    // "Undo Date" showing: Date values as MM/DD/YYYY
+    bool formatTime = false;    // "Undo Time" showing: Time values as HH:MM:SS
+    std::vector<qint32> trackSubjects;
+    QString settingsFile;       // "KRV.ini", "lumtrek.ini", ...
+};
+
+// The first rows of a selection, as the record grid shows them.
+struct PreviewResult {
+    bool failed = false;               // the failure has been shown
+    int gridRows = 0;                  // rows the grid gets (at most maxRows)
+    std::vector<QStringList> rows;     // one cell text per output column; "" for skipped names
+    bool dateFilled = false;           // some "Date" cell got a value
+    bool timeFilled = false;           // some "Time" cell got a value
+};
+
+// The rows a load handed out, so that exactly those are marked afterwards. Keys are the
+// engine's row identity (SQLite rowid, PostgreSQL ctid); they are only valid for marking soon
+// after the load.
+struct ExportedRows {
+    std::vector<QVariant> keys;
+};
+
+enum class LoadOutcome {
+    Completed,   // every selected record went to the sink
+    Cancelled,   // the cancel flag was seen set; status "Cancel"
+    Declined,    // the user answered No to the long-export question; cancel flag now set
+    Failed,      // a read failed; message and status shown, error holds the message
+    Aborted      // the sink refused a record (it reports its own error)
+};
+
+struct LoadResult {
+    LoadOutcome outcome = LoadOutcome::Failed;
+    qint64 count = 0;          // records handed to the sink
+    QString error;
+    ExportedRows rows;
+};
+
+// Receives the records of a load in selection order.
+class RecordSink {
+public:
+    virtual ~RecordSink() = default;
+    // Called once, after any question was answered Yes, before the first record (also for an
+    // empty selection). total is the number of records expected. false stops the load.
+    virtual bool begin(qint64 total) = 0;
+    // One text per output column (the data set's getter texts, formatted as requested).
+    virtual bool record(const QStringList& values) = 0;
+};
+
+class ExportAssembler {
+public:
+    virtual ~ExportAssembler() = default;
+    // 1 records wait, 0 none, -1 the check failed (shown).
+    virtual qint16 available(const ExportRequest& request) = 0;
+    // Number of selected records; -1 after a failure (shown).
+    virtual qint64 count(const ExportRequest& request) = 0;
+    // The first min(recordCount, maxRows) records for the record grid.
+    virtual PreviewResult preview(const ExportRequest& request, qint64 recordCount,
+                                  int maxRows = 20) = 0;
+    // Streams every selected record to sink. cancel is the owner's flag: tested between
+    // records after letting the user interface run; set when the user declines.
+    virtual LoadResult load(const ExportRequest& request, RecordSink& sink, bool& cancel) = 0;
+    // Marks records as exported. With rows: only those rows (and only while they still match
+    // the selection); without: every record the selection matches now. Returns the number
+    // marked, -1 after a failure.
+    virtual qint64 mark(const ExportRequest& request, const ExportedRows* rows) = 0;
+};
+
+// Lets a long loop report often enough for a person and rarely enough to stay fast:
+// due() is true for the first and last item, every 256th, and when 50 ms have passed.
+class ProgressThrottle {
+public:
+    ProgressThrottle() { m_clock.start(); }
+    bool due(qint64 i, qint64 n)
+    {
+        if (i <= 1 || i >= n || (i & 255) == 0 || m_clock.elapsed() >= 50) {
+            m_clock.restart();
+            return true;
+        }
+        return false;
+    }
+
+private:
+    QElapsedTimer m_clock;
+};
+
+} // namespace tp

@@ -1,0 +1,48 @@
+#pragma once
+// How export values are typed and laid out: the typed value of a getter text, the number
+// form, one comma-delimited line, and the rows of the text-file preview.
+#include <QDateTime>
+#include <QString>
+#include <QStringList>
+#include <vector>
+
+namespace tp {
+
+struct ExportValue {
+    enum Kind { Text, Number, Truth, Date } kind = Text;
+    QString text;
+    double number = 0;
+    bool truth = false;
+    QDateTime date;   // local date and time of day; time 00:00:00 writes the date alone
+
+    static ExportValue ofText(const QString& s) { return {Text, s, 0, false, {}}; }
+    static ExportValue ofNumber(double d) { return {Number, {}, d, false, {}}; }
+    static ExportValue ofTruth(bool b) { return {Truth, {}, 0, b, {}}; }
+    static ExportValue ofDate(const QDateTime& d) { return {Date, {}, 0, false, d}; }
+};
+
+// The typed value of getter text s for a field of data type dataType ("Number", "Text",
+// "Boolean", compared without regard to case).
+ExportValue TypeValue(const QString& s, const QString& dataType);
+
+// Numeric by the rules the files have always used: optional blanks, optional sign, digits
+// with an optional period and decimals. "007", " -12.50 ", ".5" are numeric; "1e5", "1,5" not.
+bool isExportNumeric(const QString& s);
+
+// Shortest text that reads back as d, at most 15 significant digits, period as separator,
+// no exponent between 1e-7 and 1e21: 20050131, 12.5, -95.2, 0.5.
+QString formatExportNumber(double d);
+
+// One line of the file: values joined by commas, texts in double quotes (inner quotes
+// unchanged), #TRUE#/#FALSE#, #YYYY-MM-DD[ HH:MM:SS]#, ended by CR LF.
+QString exportLineText(const std::vector<ExportValue>& values);
+void appendExportLine(QString& out, const std::vector<ExportValue>& values);
+// The header line: every header text as a text value.
+QString exportHeaderText(const QStringList& headers);
+
+// Preview grid texts: the header row (''Header'' joined by " , ") and one record row from the
+// record grid's cell texts and the columns' data types.
+QString previewHeaderText(const QStringList& headers);
+QString previewRecordText(const QStringList& cells, const QStringList& dataTypes);
+
+} // namespace tp

@@ -1,0 +1,170 @@
+// Typing, number forms, line and preview texts, and the bytes the file writer leaves.
+#include "export/export_values.h"
+#include "export/export_writer.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+namespace tp {
+namespace {
+
+QByteArray bytesOf(const QString& file)
+{
+    QFile f(file);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<missing>");
+}
+
+TEST(TypeValue, NumberBooleanDateAndTextRules)
+{
+    ExportValue v = TypeValue("007", "Number");
+    EXPECT_EQ(v.kind, ExportValue::Number);
+    EXPECT_EQ(v.number, 7.0);
+    v = TypeValue(" -12.50 ", "NUMBER");
+    EXPECT_EQ(v.kind, ExportValue::Number);
+    EXPECT_EQ(v.number, -12.5);
+    EXPECT_EQ(TypeValue(".5", "number").number, 0.5);
+    EXPECT_EQ(TypeValue("+3", "Number").number, 3.0);
+
+    // Not numeric, or numeric in a column of another type: text.
+    for (const char* s : {"", "01/31/2005", "09:30:00", "1e5", "1,5", "12a", "-", ".", "Unknown"})
+        EXPECT_EQ(TypeValue(s, "Number").kind, ExportValue::Text) << s;
+    EXPECT_EQ(TypeValue("17", "Text").kind, ExportValue::Text);
+
+    v = TypeValue("True", "Boolean");
+    EXPECT_EQ(v.kind, ExportValue::Truth);
+    EXPECT_TRUE(v.truth);
+    v = TypeValue("False", "boolean");
+    EXPECT_EQ(v.kind, ExportValue::Truth);
+    EXPECT_FALSE(v.truth);
+    EXPECT_EQ(TypeValue("True", "Text").kind, ExportValue::Text);
+    EXPECT_EQ(TypeValue("true", "Boolean").kind, ExportValue::Text);
+    EXPECT_EQ(TypeValue("-1", "Boolean").kind, ExportValue::Text);
+
+    v = TypeValue("01/31/2005", "Date");
+    ASSERT_EQ(v.kind, ExportValue::Date);
+    EXPECT_EQ(exportLineText({v}), QStringLiteral("#2005-01-31#\r\n"));
+    v = TypeValue("1/31/2005 14:05:00", "DATE");
+    EXPECT_EQ(exportLineText({v}), QStringLiteral("#2005-01-31 14:05:00#\r\n"));
+    EXPECT_EQ(TypeValue("20050131", "Date").kind, ExportValue::Text);
+    EXPECT_EQ(TypeValue("not a date", "Date").kind, ExportValue::Text);
+    // More digits than a double holds: kept as written.
+    EXPECT_EQ(TypeValue(QString(400, '9'), "Number").kind, ExportValue::Text);
+}
+
+TEST(ExportNumber, ShortestFormWithAtMostFifteenDigits)
+{
+    const std::pair<double, const char*> cases[] = {
+        {20050131, "20050131"}, {12.5, "12.5"},   {-95.2, "-95.2"},     {7, "7"},
+        {100000, "100000"},     {0.5, "0.5"},     {-0.25, "-0.25"},     {0.1 + 0.2, "0.3"},
+        {1.0 / 3, "0.333333333333333"},           {2.0 / 3, "0.666666666666667"},
+        {1e15, "1000000000000000"},               {123456789012345678.0, "123456789012346000"},
+        {-0.0, "0"},            {0.000125, "0.000125"},                 {1e-8, "1E-08"},
+        {2.5e22, "2.5E+22"},    {-180, "-180"},   {33.123456, "33.123456"}};
+    for (const auto& [d, text] : cases)
+        EXPECT_EQ(formatExportNumber(d), QString::fromLatin1(text)) << text;
+}
+
+TEST(ExportLine, ValuesJoinedByCommasEndedByCrLf)
+{
+    const std::vector<ExportValue> values = {
+        ExportValue::ofText("He said \"hi\""), ExportValue::ofText(""), ExportValue::ofNumber(12.5),
+        ExportValue::ofTruth(true), ExportValue::ofTruth(false),
+        ExportValue::ofDate(QDateTime(QDate(2005, 1, 31), QTime(0, 0)))};
+    EXPECT_EQ(exportLineText(values),
+              QStringLiteral("\"He said \"hi\"\",\"\",12.5,#TRUE#,#FALSE#,#2005-01-31#\r\n"));
+    EXPECT_EQ(exportLineText({ExportValue::ofNumber(17)}), QStringLiteral("17\r\n"));
+    EXPECT_EQ(exportHeaderText({"Emp", "", "Date"}), QStringLiteral("\"Emp\",\"\",\"Date\"\r\n"));
+}
+
+TEST(PreviewText, HeaderAndRecordRows)
+{
+    EXPECT_EQ(previewHeaderText({"Emp", "EmployeeLastName"}),
+              QStringLiteral("''Emp'' , ''EmployeeLastName''"));
+    // Not the last column: True/False get number signs whatever the type.
+    EXPECT_EQ(previewRecordText({"007", "Smith", "True", "20050131"},
+                                {"Number", "Text", "Text", "Number"}),
+              QStringLiteral("007 , ''Smith'' , #True# , 20050131"));
+    // The last column: number signs only for a Boolean field.
+    EXPECT_EQ(previewRecordText({"17", "True"}, {"Number", "Text"}),
+              QStringLiteral("17 , ''True''"));
+    EXPECT_EQ(previewRecordText({"17", "False"}, {"Number", "boolean"}),
+              QStringLiteral("17 , #False#"));
+    EXPECT_EQ(previewRecordText({"01/31/2005"}, {"Number"}), QStringLiteral("''01/31/2005''"));
+    EXPECT_EQ(previewRecordText({"", "12.50"}, {"Number", "NUMBER"}), QStringLiteral("'''' , 12.50"));
+}
+
+class WriterTest : public ::testing::Test {
+protected:
+    QString file(const QString& name) const { return QDir(dir.path()).filePath(name); }
+    QTemporaryDir dir;
+};
+
+TEST_F(WriterTest, WindowsCodePageWithQuestionMarksForTheRest)
+{
+    ExportFileWriter w;
+    ASSERT_TRUE(w.open(file("a.txt")));
+    ASSERT_TRUE(w.writeHeader({QStringLiteral("Café")}));
+    ASSERT_TRUE(w.writeLine({ExportValue::ofText(QStringLiteral("€ 中 \U0001F600 ü"))}));
+    ASSERT_TRUE(w.finish());
+    EXPECT_EQ(bytesOf(file("a.txt")), QByteArray("\"Caf\xE9\"\r\n\"\x80 ? ? \xFC\"\r\n"));
+    EXPECT_EQ(w.linesWritten(), 1);
+}
+
+TEST_F(WriterTest, Utf8WithoutByteOrderMark)
+{
+    ExportFileWriter w(FileEncoding::Utf8);
+    ASSERT_TRUE(w.open(file("u.txt")));
+    ASSERT_TRUE(w.writeHeader({QStringLiteral("Café 中")}));
+    ASSERT_TRUE(w.finish());
+    EXPECT_EQ(bytesOf(file("u.txt")), QByteArray("\"Caf\xC3\xA9 \xE4\xB8\xAD\"\r\n"));
+}
+
+TEST_F(WriterTest, ManyLinesAndDiscardLeavesTheTargetAlone)
+{
+    {
+        ExportFileWriter w;
+        ASSERT_TRUE(w.open(file("big.txt")));
+        w.writeHeader({"N"});
+        for (int i = 0; i < 20000; ++i)
+            ASSERT_TRUE(w.writeLine({ExportValue::ofNumber(i)}));
+        ASSERT_TRUE(w.finish());
+    }
+    const QByteArray big = bytesOf(file("big.txt"));
+    EXPECT_TRUE(big.startsWith("\"N\"\r\n0\r\n1\r\n"));
+    EXPECT_TRUE(big.endsWith("\r\n19998\r\n19999\r\n"));
+    EXPECT_EQ(big.count('\n'), 20001);
+
+    {
+        ExportFileWriter w;
+        ASSERT_TRUE(w.open(file("big.txt")));
+        w.writeHeader({"Other"});
+        w.discard();
+    }
+    {
+        ExportFileWriter w;   // destroyed unfinished: discarded too
+        ASSERT_TRUE(w.open(file("big.txt")));
+        w.writeHeader({"Other"});
+    }
+    EXPECT_EQ(bytesOf(file("big.txt")), big);
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden), QStringList{"big.txt"});
+}
+
+TEST_F(WriterTest, ReadOnlyFilesAreRecognised)
+{
+    EXPECT_FALSE(isReadOnlyFile(file("missing.txt")));
+    QFile f(file("r.txt"));
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    f.close();
+    EXPECT_FALSE(isReadOnlyFile(file("r.txt")));
+    QFile::setPermissions(file("r.txt"), QFileDevice::ReadOwner);
+    EXPECT_TRUE(isReadOnlyFile(file("r.txt")));
+    EXPECT_FALSE(isReadOnlyFile(dir.path()));
+    ExportFileWriter w;
+    EXPECT_FALSE(w.open(file("missing/folder/x.txt")));
+    EXPECT_FALSE(w.errorString().isEmpty());
+}
+
+} // namespace
+} // namespace tp

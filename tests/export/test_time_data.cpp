@@ -1,0 +1,465 @@
+// The time-data export against real SQLite files: counts, previews, streamed loads, the file
+// the save flow writes and the marks it leaves.
+#include "export/export_job.h"
+#include "export/time_data.h"
+#include "time_fixture.h"
+
+#include <QFileInfo>
+#include <sys/resource.h>
+#include <csignal>
+
+namespace tp::test {
+namespace {
+
+OutputColumn col(const QString& name, const QString& header = QString())
+{
+    static const QHash<QString, QString> types = {
+        {"EmployeeFirstName", "Text"}, {"EmployeeLastName", "Text"},
+        {"IsJobInRecord", "Boolean"},  {"IsTimeInRecord", "Boolean"},
+        {"IsJobOutRecord", "Boolean"}, {"IsTimeOutRecord", "Boolean"}};
+    return {name, types.value(name, QStringLiteral("Number")), header.isNull() ? name : header};
+}
+
+ExportRequest timeRequest()
+{
+    ExportRequest r;
+    r.table = kTableTime;
+    r.settingsFile = QStringLiteral("KRV.ini");
+    return r;
+}
+
+ExportRequest dated(const QString& start, const QString& stop)
+{
+    ExportRequest r = timeRequest();
+    r.byDate = true;
+    r.start = start;
+    r.stop = stop;
+    return r;
+}
+
+class TimeExport : public TimeDbTest {
+protected:
+    ExportJobResult run(const std::vector<OutputColumn>& columns,
+                        const ExportRequest& request = timeRequest(),
+                        const QString& file = QStringLiteral("out.txt"))
+    {
+        ExportJob job;
+        job.request = request;
+        job.columns = columns;
+        job.fileName = file.isEmpty() ? QString() : path(file);
+        return runExport(job, assembler, feedback, cancel);
+    }
+    QByteArray output() const { return readFile(path(QStringLiteral("out.txt"))); }
+
+    TimeAssembler assembler{db, feedback};
+    bool cancel = false;
+};
+
+TEST_F(TimeExport, WritesTheDocumentedExampleAndMarksTheRecords)
+{
+    addEmployee(17, QStringLiteral("John"), QStringLiteral("Smith"));
+    addTime({});
+    const ExportJobResult r = run({col("EmployeeNumber", "Emp"), col("EmployeeLastName"),
+                                   col("Date"), col("IsJobInRecord")});
+    EXPECT_EQ(r.outcome, ExportJobResult::Completed);
+    EXPECT_EQ(r.status, kExportCompleted);
+    EXPECT_EQ(feedback.lastStatus, kExportCompleted);
+    EXPECT_EQ(output(), QByteArray("\"Emp\",\"EmployeeLastName\",\"Date\",\"IsJobInRecord\"\r\n"
+                                   "17,\"Smith\",20050131,#TRUE#\r\n"));
+    EXPECT_EQ(r.records, 1);
+    EXPECT_EQ(r.marked, 1);
+    EXPECT_EQ(scalar("SELECT Approved FROM JobTimeRecords"), 2);
+    EXPECT_EQ(scalar("SELECT ExportID FROM JobTimeRecords"), 1);
+    // Marked records are not offered again.
+    EXPECT_EQ(assembler.count(timeRequest()), 0);
+    EXPECT_EQ(assembler.available(timeRequest()), 0);
+}
+
+TEST_F(TimeExport, FieldChoicesShapeEveryLine)
+{
+    addEmployee(17, QStringLiteral("John"), QStringLiteral("Smith"));
+    TimeRow a;
+    a.id = 41;
+    a.vehicle = 9;
+    a.odometer = QStringLiteral("12.50");
+    addTime(a);
+    a.id = 42;
+    a.jobIn = 0;
+    a.timeOut = 0;
+    a.odometer = QStringLiteral("-95.2");
+    addTime(a);
+
+    // One field: no comma anywhere.
+    run({col("TimeRecordID")});
+    EXPECT_EQ(output(), QByteArray("\"TimeRecordID\"\r\n41\r\n42\r\n"));
+
+    exec("UPDATE JobTimeRecords SET Approved = 1, ExportID = 0");
+    run({col("VehicleNumber", ""), col("OdometerReading", "Odo \"km\""), col("IsTimeOutRecord"),
+         col("EmployeeFirstName")});
+    EXPECT_EQ(output(), QByteArray("\"\",\"Odo \"km\"\",\"IsTimeOutRecord\",\"EmployeeFirstName\"\r\n"
+                                   "9,12.5,#TRUE#,\"John\"\r\n9,-95.2,#FALSE#,\"John\"\r\n"));
+
+    // A truth value in a column typed Text stays text; Approved and ExportID as they were read.
+    exec("UPDATE JobTimeRecords SET Approved = 1, ExportID = 0");
+    run({{"IsJobInRecord", "Text", "J"}, col("Approved"), col("ExportID")});
+    EXPECT_EQ(output(), QByteArray("\"J\",\"Approved\",\"ExportID\"\r\n\"True\",1,0\r\n\"False\",1,0\r\n"));
+}
+
+TEST_F(TimeExport, FormattedDatesAndTimesAreQuotedText)
+{
+    addTime({});
+    ExportRequest r = timeRequest();
+    r.formatDate = true;
+    r.formatTime = true;
+    run({col("Date"), col("Time")}, r);
+    EXPECT_EQ(output(), QByteArray("\"Date\",\"Time\"\r\n\"01/31/2005\",\"14:30:05\"\r\n"));
+
+    exec("UPDATE JobTimeRecords SET Approved = 1, ExportID = 0");
+    run({col("Date"), col("Time")});
+    EXPECT_EQ(output(), QByteArray("\"Date\",\"Time\"\r\n20050131,143005\r\n"));
+}
+
+TEST_F(TimeExport, NoWaitingRecordsWritesTheHeaderOnly)
+{
+    TimeRow done;
+    done.approved = 2;
+    done.exportId = 1;
+    addTime(done);
+    TimeRow reapproved;   // exported once and approved again: not offered
+    reapproved.id = 2;
+    reapproved.exportId = 1;
+    addTime(reapproved);
+    const ExportJobResult r = run({col("Date")});
+    EXPECT_EQ(r.status, kExportCompleted);
+    EXPECT_EQ(output(), QByteArray("\"Date\"\r\n"));
+    EXPECT_TRUE(feedback.statuses.contains(QStringLiteral("0 Record(s) found")));
+    EXPECT_EQ(r.marked, 0);
+    EXPECT_EQ(scalar("SELECT SUM(ExportID) FROM JobTimeRecords"), 2);
+}
+
+TEST_F(TimeExport, NamesComeFromEmployeeInfoWithOneLookupPerEmployee)
+{
+    addEmployee(17, QStringLiteral("John"), QStringLiteral("Smith"));
+    addEmployee(18, QStringLiteral(""), QStringLiteral("Doe"));
+    const qint32 employees[] = {17, 17, 17, 18, 18, 99, 17};
+    for (int i = 0; i < 7; ++i) {
+        TimeRow r;
+        r.id = i + 1;
+        r.employee = employees[i];
+        addTime(r);
+    }
+    run({col("EmployeeNumber"), col("EmployeeFirstName"), col("EmployeeLastName")});
+    EXPECT_EQ(output(), QByteArray("\"EmployeeNumber\",\"EmployeeFirstName\",\"EmployeeLastName\"\r\n"
+                                   "17,\"John\",\"Smith\"\r\n17,\"John\",\"Smith\"\r\n"
+                                   "17,\"John\",\"Smith\"\r\n18,\"Unknown\",\"Doe\"\r\n"
+                                   "18,\"Unknown\",\"Doe\"\r\n99,\"Unknown\",\"Unknown\"\r\n"
+                                   "17,\"John\",\"Smith\"\r\n"));
+    // Consecutive records of one employee share a look-up; no employee is looked up twice.
+    EXPECT_EQ(assembler.lookups().queriesRun(), 3);
+    EXPECT_TRUE(feedback.messages().isEmpty());
+}
+
+TEST_F(TimeExport, LumtrekTakesTheSingleNameAndNoLastName)
+{
+    addEmployee(17, QStringLiteral("John"), QStringLiteral("Smith"), QStringLiteral("J. Smith"));
+    addTime({});
+    ExportRequest r = timeRequest();
+    r.settingsFile = QStringLiteral("lumtrek.ini");
+    run({col("EmployeeFirstName"), col("EmployeeLastName")}, r);
+    EXPECT_EQ(output(), QByteArray("\"EmployeeFirstName\",\"EmployeeLastName\"\r\n"
+                                   "\"J. Smith\",\"Unknown\"\r\n"));
+
+    // The grid shows the name as the look-up leaves it: no "Unknown" for the last name.
+    exec("UPDATE JobTimeRecords SET Approved = 1, ExportID = 0");
+    TimeRow missing;
+    missing.id = 2;
+    missing.employee = 99;
+    addTime(missing);
+    r.fields = QStringList{"EmployeeFirstName", "EmployeeLastName"};
+    const PreviewResult p = assembler.preview(r, 2);
+    ASSERT_EQ(p.rows.size(), 2u);
+    EXPECT_EQ(p.rows[0], QStringList({"J. Smith", ""}));
+    EXPECT_EQ(p.rows[1], QStringList({"", ""}));
+}
+
+TEST_F(TimeExport, DateRangesIncludeBothEnds)
+{
+    const qint32 dates[] = {20041231, 20050101, 20050115, 20050131, 20050201};
+    for (int i = 0; i < 5; ++i) {
+        TimeRow r;
+        r.id = 10 - i;   // stored in reverse date order: the range sorts by date
+        r.date = dates[i];
+        addTime(r);
+    }
+    EXPECT_EQ(assembler.count(dated("20050101", "20050131")), 3);
+    EXPECT_EQ(assembler.count(dated("20050115", "20050115")), 1);
+    EXPECT_EQ(assembler.count(dated("20041231", "20050131")), 4);
+
+    const ExportJobResult r = run({col("TimeRecordID"), col("Date")}, dated("20050101", "20050131"));
+    EXPECT_EQ(output(), QByteArray("\"TimeRecordID\",\"Date\"\r\n9,20050101\r\n8,20050115\r\n"
+                                   "7,20050131\r\n"));
+    EXPECT_EQ(r.marked, 3);
+    EXPECT_EQ(scalar("SELECT COUNT(*) FROM JobTimeRecords WHERE Approved = 1"), 2);
+    // The date-range load reports its own way.
+    EXPECT_TRUE(feedback.statuses.contains(QStringLiteral("Retrieving 3")));
+    EXPECT_FALSE(feedback.statuses.contains(QStringLiteral("3  Record(s) found")));
+}
+
+TEST_F(TimeExport, AskBeforeMoreThanTwoHundredRecords)
+{
+    addMany(200);
+    ExportJobResult r = run({col("TimeRecordID")});
+    EXPECT_TRUE(feedback.questions().isEmpty());
+    EXPECT_EQ(r.records, 200);
+    EXPECT_TRUE(feedback.statuses.contains(QStringLiteral("Retrieving  ...")));
+    EXPECT_TRUE(feedback.statuses.contains(QStringLiteral("Retrieving Record # 200 Of 200")));
+    EXPECT_TRUE(feedback.statuses.contains(QStringLiteral("200  Record(s) found")));
+    EXPECT_TRUE(feedback.statuses.contains(QStringLiteral("Saving Record # 200 Of 200")));
+
+    addMany(201, 1001);
+    const QByteArray before = output();
+    feedback.answers = {AnswerNo};
+    r = run({col("TimeRecordID")});
+    ASSERT_EQ(feedback.questions().size(), 1);
+    EXPECT_EQ(feedback.questions().at(0),
+              QStringLiteral("There are 201 records to be exported. This may take some time. Do "
+                             "you wish to continue?"));
+    EXPECT_EQ(r.outcome, ExportJobResult::Declined);
+    EXPECT_EQ(r.status, kFileNameEmpty);
+    EXPECT_EQ(r.records, 0);
+    EXPECT_TRUE(cancel);
+    EXPECT_EQ(output(), before);   // the chosen file is left as it was
+    EXPECT_EQ(scalar("SELECT COUNT(*) FROM JobTimeRecords WHERE Approved = 1"), 201);
+
+    feedback.answers = {AnswerYes};
+    r = run({col("TimeRecordID")});
+    EXPECT_FALSE(cancel);
+    EXPECT_EQ(r.records, 201);
+    EXPECT_EQ(r.marked, 201);
+}
+
+TEST_F(TimeExport, CancelStopsTheLoadAndLeavesFileAndRecords)
+{
+    addMany(600);
+    feedback.answers = {AnswerYes};
+    feedback.onYield = [&] {
+        if (feedback.yields > 1)
+            cancel = true;
+    };
+    const ExportJobResult r = run({col("TimeRecordID")});
+    EXPECT_EQ(r.outcome, ExportJobResult::Cancelled);
+    EXPECT_EQ(r.status, kFileNameEmpty);
+    EXPECT_TRUE(feedback.statuses.contains(QStringLiteral("Cancel")));
+    EXPECT_FALSE(QFileInfo::exists(path("out.txt")));
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden).size(), 1);   // only the db
+    EXPECT_EQ(scalar("SELECT COUNT(*) FROM JobTimeRecords WHERE Approved = 1"), 600);
+}
+
+TEST_F(TimeExport, RecordApprovedDuringTheExportIsNotMarked)
+{
+    TimeRow early;
+    early.id = 1;
+    early.approved = 0;
+    addTime(early);
+    addMany(3, 2);
+    // Approve the first record after the load has passed it.
+    feedback.onYield = [&] { db.Exec("UPDATE JobTimeRecords SET Approved = 1 WHERE NewTimeRecordID = 1"); };
+    const ExportJobResult r = run({col("TimeRecordID")});
+    EXPECT_EQ(output(), QByteArray("\"TimeRecordID\"\r\n2\r\n3\r\n4\r\n"));
+    EXPECT_EQ(r.marked, 3);
+    EXPECT_EQ(scalar("SELECT Approved * 10 + ExportID FROM JobTimeRecords WHERE NewTimeRecordID = 1"), 10);
+    EXPECT_EQ(scalar("SELECT COUNT(*) FROM JobTimeRecords WHERE Approved = 2 AND ExportID = 1"), 3);
+}
+
+TEST_F(TimeExport, NullValueFailsTheLoadAndMarksNothing)
+{
+    addMany(3);
+    exec("UPDATE JobTimeRecords SET CustomerNumber = NULL WHERE NewTimeRecordID = 2");
+    const ExportJobResult r = run({col("TimeRecordID"), col("CustomerNumber")});
+    EXPECT_EQ(r.outcome, ExportJobResult::Failed);
+    EXPECT_EQ(r.status, QStringLiteral("Cannot read Time Record(s). Export unsuccessful"));
+    EXPECT_EQ(feedback.messages(), QStringList{"Cannot read Time Record(s)"});
+    EXPECT_TRUE(feedback.statuses.contains(QStringLiteral("Error Retrieving Record at # 2")));
+    EXPECT_EQ(output(), QByteArray("\"TimeRecordID\",\"CustomerNumber\"\r\n1,300\r\n"));
+    EXPECT_EQ(scalar("SELECT COUNT(*) FROM JobTimeRecords WHERE Approved = 1"), 3);
+}
+
+TEST_F(TimeExport, WriteErrorKeepsCompleteLinesAndMarksNothing)
+{
+    addMany(3000);
+    feedback.answers = {AnswerYes};
+    // A file-size limit makes the disk refuse the export part-way.
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit old{};
+    getrlimit(RLIMIT_FSIZE, &old);
+    rlimit small = old;
+    small.rlim_cur = 20000;
+    setrlimit(RLIMIT_FSIZE, &small);
+    const ExportJobResult r = run({col("TimeRecordID"), col("EmployeeNumber"), col("Date")});
+    setrlimit(RLIMIT_FSIZE, &old);
+
+    EXPECT_EQ(r.outcome, ExportJobResult::Failed);
+    EXPECT_TRUE(r.status.endsWith(". Export unsuccessful")) << r.status.toStdString();
+    EXPECT_GT(r.status.size(), QStringLiteral(". Export unsuccessful").size());
+    EXPECT_EQ(r.marked, -1);
+    EXPECT_EQ(scalar("SELECT COUNT(*) FROM JobTimeRecords WHERE Approved = 1"), 3000);
+    const QByteArray partial = output();
+    ASSERT_GT(partial.size(), 100);
+    EXPECT_LE(partial.size(), 20000);
+    EXPECT_TRUE(partial.endsWith("\r\n"));
+    const QList<QByteArray> lines = partial.left(partial.size() - 2).split('\n');
+    EXPECT_EQ(lines.at(0), QByteArray("\"TimeRecordID\",\"EmployeeNumber\",\"Date\"\r"));
+    for (int i = 1; i < lines.size(); ++i)
+        ASSERT_EQ(lines.at(i), QByteArray::number(i) + ",17,20050131" + (i + 1 < lines.size() ? "\r" : ""));
+}
+
+TEST_F(TimeExport, ReadOnlyFileIsRefusedAndNoNameEndsTheSave)
+{
+    addTime({});
+    const QString file = path("locked.txt");
+    QFile f(file);
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    f.write("old");
+    f.close();
+    ASSERT_TRUE(QFile::setPermissions(file, QFileDevice::ReadOwner | QFileDevice::ReadOther));
+    ExportJobResult r = run({col("Date")}, timeRequest(), "locked.txt");
+    EXPECT_EQ(r.outcome, ExportJobResult::ReadOnlyRefused);
+    EXPECT_EQ(feedback.messages(),
+              QStringList{"Sorry, cannot save to READ-ONLY file !\rTips:\r- Make this file "
+                          "writable;\r- Select another file;\r- Create new file."});
+    EXPECT_EQ(readFile(file), QByteArray("old"));
+
+    r = run({col("Date")}, timeRequest(), QString());
+    EXPECT_EQ(r.outcome, ExportJobResult::NoFileName);
+    EXPECT_EQ(feedback.lastStatus, kFileNameEmpty);
+    EXPECT_EQ(scalar("SELECT COUNT(*) FROM JobTimeRecords WHERE Approved = 1"), 1);
+
+    // A folder that does not exist: the engine's description, then the outcome.
+    r = run({col("Date")}, timeRequest(), "no/such/folder/out.txt");
+    EXPECT_EQ(r.outcome, ExportJobResult::Failed);
+    EXPECT_TRUE(r.status.endsWith(". Export unsuccessful"));
+    EXPECT_EQ(scalar("SELECT COUNT(*) FROM JobTimeRecords WHERE Approved = 1"), 1);
+}
+
+TEST_F(TimeExport, ExistingFileIsReplacedWithItsPermissionsKept)
+{
+    addTime({});
+    const QString file = path("out.txt");
+    QFile f(file);
+    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+    f.write("a much longer old content than the new file will have\r\n");
+    f.close();
+    QFile::setPermissions(file, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    run({col("Date")});
+    EXPECT_EQ(output(), QByteArray("\"Date\"\r\n20050131\r\n"));
+    const auto ownerGroupOther = QFileDevice::Permissions::fromInt(0x7077);
+    EXPECT_EQ(QFileInfo(file).permissions() & ownerGroupOther,
+              QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+}
+
+class TimeScan : public TimeExport {};
+
+TEST_F(TimeScan, CountsAndPreviewsFillAtMostTwentyRows)
+{
+    addEmployee(17, QStringLiteral("John"), QStringLiteral("Smith"));
+    addMany(37);
+    ExportRequest r = timeRequest();
+    r.fields = QStringList{"TimeRecordID", "EmployeeLastName", "Time", "Nonsense"};
+    EXPECT_EQ(assembler.count(r), 37);
+    PreviewResult p = assembler.preview(r, 37);
+    EXPECT_FALSE(p.failed);
+    EXPECT_EQ(p.gridRows, 20);
+    ASSERT_EQ(p.rows.size(), 20u);
+    EXPECT_EQ(p.rows[19], QStringList({"20", "Smith", "80019", ""}));
+    EXPECT_TRUE(p.timeFilled);
+    EXPECT_FALSE(p.dateFilled);
+    EXPECT_EQ(feedback.lastStatus, QStringLiteral("20 of 37  Record(s) found"));
+    EXPECT_TRUE(feedback.statuses.contains(QStringLiteral("Retrieving Record # 20 Of 37")));
+
+    exec("DELETE FROM JobTimeRecords WHERE NewTimeRecordID > 5");
+    EXPECT_EQ(assembler.count(r), 5);
+    p = assembler.preview(r, 5);
+    EXPECT_EQ(p.gridRows, 5);
+    EXPECT_EQ(p.rows.size(), 5u);
+    EXPECT_EQ(feedback.lastStatus, QStringLiteral("20 of 5  Record(s) found"));
+
+    r = dated("20050131", "20050131");
+    r.fields = QStringList{"Date"};
+    p = assembler.preview(r, 5);
+    EXPECT_EQ(p.rows.size(), 5u);
+    EXPECT_TRUE(p.dateFilled);
+    EXPECT_FALSE(p.timeFilled);
+    EXPECT_EQ(feedback.lastStatus, QStringLiteral("Retrieving 5"));
+}
+
+TEST_F(TimeScan, EmptySelectionsAndFailures)
+{
+    ExportRequest r = timeRequest();
+    EXPECT_EQ(assembler.count(r), 0);
+    EXPECT_EQ(feedback.lastStatus, QStringLiteral("0 Record(s) found"));
+    feedback.statuses.clear();
+    EXPECT_EQ(assembler.count(dated("20050101", "20050131")), 0);
+    EXPECT_TRUE(feedback.statuses.isEmpty());
+
+    // Without the table every operation fails the documented way.
+    exec("DROP TABLE JobTimeRecords");
+    EXPECT_EQ(assembler.count(r), -1);
+    EXPECT_EQ(feedback.messages().last(), QStringLiteral("Cannot read Time Record(s)"));
+    EXPECT_EQ(feedback.lastStatus, QStringLiteral("Error Retrieving Record at # 0"));
+    EXPECT_EQ(assembler.count(dated("20050101", "20050131")), -1);
+    EXPECT_EQ(feedback.messages().last(), QStringLiteral("Cannot read Time record(s)"));
+    r.fields = QStringList{"Date"};
+    EXPECT_TRUE(assembler.preview(r, 3).failed);
+    EXPECT_EQ(assembler.mark(r, nullptr), -1);
+    EXPECT_EQ(assembler.available(r), -1);
+}
+
+TEST_F(TimeScan, PreviewHoldsNamesBetweenCellsAsTheGridAlwaysDid)
+{
+    addEmployee(17, QStringLiteral("John"), QStringLiteral("Smith"));
+    addEmployee(18, QStringLiteral("Ann"), QStringLiteral("Lee"));
+    TimeRow a;
+    a.id = 1;
+    addTime(a);
+    a.id = 2;
+    a.employee = 18;
+    addTime(a);
+    a.id = 3;
+    a.employee = 99;
+    addTime(a);
+    ExportRequest r = timeRequest();
+    r.fields = QStringList{"EmployeeFirstName", "EmployeeLastName"};
+    PreviewResult p = assembler.preview(r, 3);
+    ASSERT_EQ(p.rows.size(), 3u);
+    EXPECT_EQ(p.rows[0], QStringList({"John", "Smith"}));
+    EXPECT_EQ(p.rows[1], QStringList({"Ann", "Lee"}));
+    EXPECT_EQ(p.rows[2], QStringList({"Unknown", "Unknown"}));
+
+    // Last name first: the first name's look-up leaves a last name held for the next row.
+    r.fields = QStringList{"EmployeeLastName", "EmployeeFirstName"};
+    p = assembler.preview(r, 3);
+    ASSERT_EQ(p.rows.size(), 3u);
+    EXPECT_EQ(p.rows[0], QStringList({"Smith", "John"}));
+    EXPECT_EQ(p.rows[1], QStringList({"Smith", "Ann"}));
+    EXPECT_EQ(p.rows[2], QStringList({"Lee", "Unknown"}));
+}
+
+TEST_F(TimeScan, MarkWithoutRowsTakesTheWholeSelection)
+{
+    addMany(4);
+    TimeRow other;
+    other.id = 50;
+    other.date = 20050301;
+    addTime(other);
+    EXPECT_EQ(assembler.mark(dated("20050101", "20050131"), nullptr), 4);
+    EXPECT_EQ(scalar("SELECT COUNT(*) FROM JobTimeRecords WHERE Approved = 2 AND ExportID = 1"), 4);
+    feedback.statuses.clear();
+    EXPECT_EQ(assembler.mark(dated("20050101", "20050131"), nullptr), 0);
+    EXPECT_TRUE(feedback.statuses.isEmpty());
+    EXPECT_EQ(assembler.mark(timeRequest(), nullptr), 1);
+    EXPECT_EQ(assembler.mark(timeRequest(), nullptr), 0);
+    EXPECT_EQ(feedback.lastStatus, QStringLiteral("0 Record(s) found"));
+}
+
+} // namespace
+} // namespace tp::test
