@@ -419,7 +419,7 @@ private:
             pairs.push_back({p.number, p.vehicle});
         }
         if (pairCount >= 4)   // a vehicle out without a driver
-            pairs[3] = {0, 4 % m_opt.vehicles + 1};
+            pairs[size_t(pairCount / 2)].employee = 0;
         if (pairCount >= 3 && m_opt.vehicles > 1)   // the first driver also took another vehicle
             pairs.back() = {pairs[0].employee, pairs[0].vehicle % m_opt.vehicles + 1};
 
