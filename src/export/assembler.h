@@ -12,6 +12,7 @@ namespace tp {
 
 class cDAO;
 class Feedback;
+class Recordset;
 
 inline const QString kTableTime = QStringLiteral("JobTimeRecords");
 inline const QString kTableInventory = QStringLiteral("Inventory");

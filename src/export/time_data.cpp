@@ -166,6 +166,30 @@ QString TimeAssembler::rowKey() const
     return m_db.isPostgres() ? QStringLiteral("ctid") : QStringLiteral("rowid");
 }
 
+QString TimeAssembler::selectSql(const ExportRequest& request, const QString& columns,
+                                 const QString& condition) const
+{
+    // Records come in stored order (ordered by date for a range). SQLite's rowid order is the
+    // stored order; PostgreSQL moves a row whenever it is updated, so it is ordered by the id.
+    QString order;
+    if (m_db.isPostgres())
+        order = request.byDate ? QStringLiteral(" ORDER BY Date, NewTimeRecordID, ctid")
+                               : QStringLiteral(" ORDER BY NewTimeRecordID, ctid");
+    else if (request.byDate)
+        order = QStringLiteral(" ORDER BY Date, rowid");
+    return QStringLiteral("Select ") + columns +
+           (columns.isEmpty() ? QString() : QStringLiteral(", ")) + rowKey() +
+           QStringLiteral(" AS ") + kKeyAlias + QStringLiteral(" from JobTimeRecords ") +
+           condition + order;
+}
+
+RecordsetPtr TimeAssembler::openSelection(const QString& sql)
+{
+    // A PostgreSQL stream is lost when another statement runs on the connection (a name
+    // look-up, say), so there the rows are read at once.
+    return m_db.isPostgres() ? m_db.RecSet_Stat(sql) : m_db.RecSet_Forward(sql);
+}
+
 void TimeAssembler::readFailed(const ExportRequest& request, qint64 index)
 {
     if (request.byDate) {
@@ -218,12 +242,7 @@ PreviewResult TimeAssembler::preview(const ExportRequest& request, qint64 record
     const auto condition = where(request);
     RecordsetPtr rs;
     if (condition)
-        rs = m_db.RecSet_Forward(QStringLiteral("Select ") + reader.selectList() +
-                                 (reader.selectList().isEmpty() ? QString() : QStringLiteral(", ")) +
-                                 rowKey() + QStringLiteral(" AS ") + kKeyAlias +
-                                 QStringLiteral(" from JobTimeRecords ") + *condition +
-                                 (request.byDate ? QStringLiteral(" ORDER BY Date, ") + rowKey()
-                                                 : QString()));
+        rs = openSelection(selectSql(request, reader.selectList(), *condition));
     if (!rs || !reader.bind(*rs)) {
         readFailed(request, 0);
         result.failed = true;
@@ -340,11 +359,7 @@ LoadResult TimeAssembler::load(const ExportRequest& request, RecordSink& sink, b
 
     Reader reader(request.fields);
     const auto condition = where(request);
-    RecordsetPtr rs = m_db.RecSet_Forward(
-        QStringLiteral("Select ") + reader.selectList() +
-        (reader.selectList().isEmpty() ? QString() : QStringLiteral(", ")) + rowKey() +
-        QStringLiteral(" AS ") + kKeyAlias + QStringLiteral(" from JobTimeRecords ") + *condition +
-        (request.byDate ? QStringLiteral(" ORDER BY Date, ") + rowKey() : QString()));
+    RecordsetPtr rs = openSelection(selectSql(request, reader.selectList(), *condition));
     if (!rs || !reader.bind(*rs)) {
         readFailed(request, 0);
         result.error = request.byDate ? kReadErrorDated : kReadErrorAll;

@@ -5,6 +5,7 @@
 #include "export/lookups.h"
 
 #include <QHash>
+#include <memory>
 #include <optional>
 
 namespace tp {
@@ -45,6 +46,9 @@ private:
     // "WHERE ..." of the selection; nullopt when the dates are not numbers.
     std::optional<QString> where(const ExportRequest& request) const;
     QString rowKey() const;
+    std::unique_ptr<Recordset> openSelection(const QString& sql);
+    QString selectSql(const ExportRequest& request, const QString& columns,
+                      const QString& condition) const;
     void readFailed(const ExportRequest& request, qint64 index);
     const CachedEmployee& employee(qint32 number, bool lumtrek);
 

@@ -37,8 +37,11 @@ ExportRequest dated(const QString& start, const QString& stop)
     return r;
 }
 
-class TimeExport : public TimeDbTest {
+// Every case runs on SQLite, and on PostgreSQL when a test server is named.
+class TimeExport : public TimeDbTest, public ::testing::WithParamInterface<bool> {
 protected:
+    TimeExport() { usePostgres = GetParam(); }
+
     ExportJobResult run(const std::vector<OutputColumn>& columns,
                         const ExportRequest& request = timeRequest(),
                         const QString& file = QStringLiteral("out.txt"))
@@ -55,7 +58,7 @@ protected:
     bool cancel = false;
 };
 
-TEST_F(TimeExport, WritesTheDocumentedExampleAndMarksTheRecords)
+TEST_P(TimeExport, WritesTheDocumentedExampleAndMarksTheRecords)
 {
     addEmployee(17, QStringLiteral("John"), QStringLiteral("Smith"));
     addTime({});
@@ -75,9 +78,11 @@ TEST_F(TimeExport, WritesTheDocumentedExampleAndMarksTheRecords)
     EXPECT_EQ(assembler.available(timeRequest()), 0);
 }
 
-TEST_F(TimeExport, FieldChoicesShapeEveryLine)
+TEST_P(TimeExport, FieldChoicesShapeEveryLine)
 {
     addEmployee(17, QStringLiteral("John"), QStringLiteral("Smith"));
+    if (usePostgres)   // the product may keep tenths; SQLite keeps them in any column
+        exec("ALTER TABLE JobTimeRecords ALTER COLUMN OdometerReading TYPE double precision");
     TimeRow a;
     a.id = 41;
     a.vehicle = 9;
@@ -105,7 +110,7 @@ TEST_F(TimeExport, FieldChoicesShapeEveryLine)
     EXPECT_EQ(output(), QByteArray("\"J\",\"Approved\",\"ExportID\"\r\n\"True\",1,0\r\n\"False\",1,0\r\n"));
 }
 
-TEST_F(TimeExport, FormattedDatesAndTimesAreQuotedText)
+TEST_P(TimeExport, FormattedDatesAndTimesAreQuotedText)
 {
     addTime({});
     ExportRequest r = timeRequest();
@@ -119,7 +124,7 @@ TEST_F(TimeExport, FormattedDatesAndTimesAreQuotedText)
     EXPECT_EQ(output(), QByteArray("\"Date\",\"Time\"\r\n20050131,143005\r\n"));
 }
 
-TEST_F(TimeExport, NoWaitingRecordsWritesTheHeaderOnly)
+TEST_P(TimeExport, NoWaitingRecordsWritesTheHeaderOnly)
 {
     TimeRow done;
     done.approved = 2;
@@ -137,7 +142,7 @@ TEST_F(TimeExport, NoWaitingRecordsWritesTheHeaderOnly)
     EXPECT_EQ(scalar("SELECT SUM(ExportID) FROM JobTimeRecords"), 2);
 }
 
-TEST_F(TimeExport, NamesComeFromEmployeeInfoWithOneLookupPerEmployee)
+TEST_P(TimeExport, NamesComeFromEmployeeInfoWithOneLookupPerEmployee)
 {
     addEmployee(17, QStringLiteral("John"), QStringLiteral("Smith"));
     addEmployee(18, QStringLiteral(""), QStringLiteral("Doe"));
@@ -159,7 +164,7 @@ TEST_F(TimeExport, NamesComeFromEmployeeInfoWithOneLookupPerEmployee)
     EXPECT_TRUE(feedback.messages().isEmpty());
 }
 
-TEST_F(TimeExport, LumtrekTakesTheSingleNameAndNoLastName)
+TEST_P(TimeExport, LumtrekTakesTheSingleNameAndNoLastName)
 {
     addEmployee(17, QStringLiteral("John"), QStringLiteral("Smith"), QStringLiteral("J. Smith"));
     addTime({});
@@ -182,7 +187,7 @@ TEST_F(TimeExport, LumtrekTakesTheSingleNameAndNoLastName)
     EXPECT_EQ(p.rows[1], QStringList({"", ""}));
 }
 
-TEST_F(TimeExport, DateRangesIncludeBothEnds)
+TEST_P(TimeExport, DateRangesIncludeBothEnds)
 {
     const qint32 dates[] = {20041231, 20050101, 20050115, 20050131, 20050201};
     for (int i = 0; i < 5; ++i) {
@@ -205,7 +210,7 @@ TEST_F(TimeExport, DateRangesIncludeBothEnds)
     EXPECT_FALSE(feedback.statuses.contains(QStringLiteral("3  Record(s) found")));
 }
 
-TEST_F(TimeExport, AskBeforeMoreThanTwoHundredRecords)
+TEST_P(TimeExport, AskBeforeMoreThanTwoHundredRecords)
 {
     addMany(200);
     ExportJobResult r = run({col("TimeRecordID")});
@@ -238,7 +243,7 @@ TEST_F(TimeExport, AskBeforeMoreThanTwoHundredRecords)
     EXPECT_EQ(r.marked, 201);
 }
 
-TEST_F(TimeExport, CancelStopsTheLoadAndLeavesFileAndRecords)
+TEST_P(TimeExport, CancelStopsTheLoadAndLeavesFileAndRecords)
 {
     addMany(600);
     feedback.answers = {AnswerYes};
@@ -251,11 +256,13 @@ TEST_F(TimeExport, CancelStopsTheLoadAndLeavesFileAndRecords)
     EXPECT_EQ(r.status, kFileNameEmpty);
     EXPECT_TRUE(feedback.statuses.contains(QStringLiteral("Cancel")));
     EXPECT_FALSE(QFileInfo::exists(path("out.txt")));
-    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden).size(), 1);   // only the db
+    QStringList left = QDir(dir.path()).entryList(QDir::Files | QDir::Hidden);
+    left.removeAll(QStringLiteral("primary.db"));
+    EXPECT_TRUE(left.isEmpty()) << left.join(' ').toStdString();
     EXPECT_EQ(scalar("SELECT COUNT(*) FROM JobTimeRecords WHERE Approved = 1"), 600);
 }
 
-TEST_F(TimeExport, RecordApprovedDuringTheExportIsNotMarked)
+TEST_P(TimeExport, RecordApprovedDuringTheExportIsNotMarked)
 {
     TimeRow early;
     early.id = 1;
@@ -271,7 +278,7 @@ TEST_F(TimeExport, RecordApprovedDuringTheExportIsNotMarked)
     EXPECT_EQ(scalar("SELECT COUNT(*) FROM JobTimeRecords WHERE Approved = 2 AND ExportID = 1"), 3);
 }
 
-TEST_F(TimeExport, NullValueFailsTheLoadAndMarksNothing)
+TEST_P(TimeExport, NullValueFailsTheLoadAndMarksNothing)
 {
     addMany(3);
     exec("UPDATE JobTimeRecords SET CustomerNumber = NULL WHERE NewTimeRecordID = 2");
@@ -284,7 +291,7 @@ TEST_F(TimeExport, NullValueFailsTheLoadAndMarksNothing)
     EXPECT_EQ(scalar("SELECT COUNT(*) FROM JobTimeRecords WHERE Approved = 1"), 3);
 }
 
-TEST_F(TimeExport, WriteErrorKeepsCompleteLinesAndMarksNothing)
+TEST_P(TimeExport, WriteErrorKeepsCompleteLinesAndMarksNothing)
 {
     addMany(3000);
     feedback.answers = {AnswerYes};
@@ -313,7 +320,7 @@ TEST_F(TimeExport, WriteErrorKeepsCompleteLinesAndMarksNothing)
         ASSERT_EQ(lines.at(i), QByteArray::number(i) + ",17,20050131" + (i + 1 < lines.size() ? "\r" : ""));
 }
 
-TEST_F(TimeExport, ReadOnlyFileIsRefusedAndNoNameEndsTheSave)
+TEST_P(TimeExport, ReadOnlyFileIsRefusedAndNoNameEndsTheSave)
 {
     addTime({});
     const QString file = path("locked.txt");
@@ -341,7 +348,7 @@ TEST_F(TimeExport, ReadOnlyFileIsRefusedAndNoNameEndsTheSave)
     EXPECT_EQ(scalar("SELECT COUNT(*) FROM JobTimeRecords WHERE Approved = 1"), 1);
 }
 
-TEST_F(TimeExport, ExistingFileIsReplacedWithItsPermissionsKept)
+TEST_P(TimeExport, ExistingFileIsReplacedWithItsPermissionsKept)
 {
     addTime({});
     const QString file = path("out.txt");
@@ -359,7 +366,7 @@ TEST_F(TimeExport, ExistingFileIsReplacedWithItsPermissionsKept)
 
 class TimeScan : public TimeExport {};
 
-TEST_F(TimeScan, CountsAndPreviewsFillAtMostTwentyRows)
+TEST_P(TimeScan, CountsAndPreviewsFillAtMostTwentyRows)
 {
     addEmployee(17, QStringLiteral("John"), QStringLiteral("Smith"));
     addMany(37);
@@ -392,7 +399,7 @@ TEST_F(TimeScan, CountsAndPreviewsFillAtMostTwentyRows)
     EXPECT_EQ(feedback.lastStatus, QStringLiteral("Retrieving 5"));
 }
 
-TEST_F(TimeScan, EmptySelectionsAndFailures)
+TEST_P(TimeScan, EmptySelectionsAndFailures)
 {
     ExportRequest r = timeRequest();
     EXPECT_EQ(assembler.count(r), 0);
@@ -414,7 +421,7 @@ TEST_F(TimeScan, EmptySelectionsAndFailures)
     EXPECT_EQ(assembler.available(r), -1);
 }
 
-TEST_F(TimeScan, PreviewHoldsNamesBetweenCellsAsTheGridAlwaysDid)
+TEST_P(TimeScan, PreviewHoldsNamesBetweenCellsAsTheGridAlwaysDid)
 {
     addEmployee(17, QStringLiteral("John"), QStringLiteral("Smith"));
     addEmployee(18, QStringLiteral("Ann"), QStringLiteral("Lee"));
@@ -444,7 +451,7 @@ TEST_F(TimeScan, PreviewHoldsNamesBetweenCellsAsTheGridAlwaysDid)
     EXPECT_EQ(p.rows[2], QStringList({"Lee", "Unknown"}));
 }
 
-TEST_F(TimeScan, MarkWithoutRowsTakesTheWholeSelection)
+TEST_P(TimeScan, MarkWithoutRowsTakesTheWholeSelection)
 {
     addMany(4);
     TimeRow other;
@@ -460,6 +467,14 @@ TEST_F(TimeScan, MarkWithoutRowsTakesTheWholeSelection)
     EXPECT_EQ(assembler.mark(timeRequest(), nullptr), 0);
     EXPECT_EQ(feedback.lastStatus, QStringLiteral("0 Record(s) found"));
 }
+
+std::string engineName(const ::testing::TestParamInfo<bool>& info)
+{
+    return info.param ? "PostgreSQL" : "SQLite";
+}
+
+INSTANTIATE_TEST_SUITE_P(Engines, TimeExport, ::testing::Bool(), engineName);
+INSTANTIATE_TEST_SUITE_P(Engines, TimeScan, ::testing::Bool(), engineName);
 
 } // namespace
 } // namespace tp::test

@@ -31,6 +31,15 @@ protected:
     void SetUp() override
     {
         ASSERT_TRUE(dir.isValid());
+        if (usePostgres) {
+            if (pgTestUrl().isEmpty())
+                GTEST_SKIP() << kPgSkipMessage;
+            pg = std::make_unique<PgScratchDatabase>(schemaScript(true));
+            ASSERT_TRUE(pg->ok()) << pg->error().toStdString();
+            ASSERT_TRUE(db.DB_Connect(pg->url(), QString(), QStringLiteral("Admin"), QString()))
+                << db.errorText.toStdString();
+            return;
+        }
         QString error;
         dbFile = makeSqliteDatabase(dir.path(), schemaScript(false), QStringLiteral("primary.db"),
                                     &error);
@@ -110,6 +119,8 @@ protected:
         return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<missing>");
     }
 
+    bool usePostgres = false;   // set by a derived fixture's constructor
+    std::unique_ptr<PgScratchDatabase> pg;
     QTemporaryDir dir;
     QString dbFile;
     cDAO db;
