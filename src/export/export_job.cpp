@@ -14,7 +14,7 @@ public:
     {
         for (const OutputColumn& c : job.columns) {
             m_headers << c.header;
-            m_types << c.dataType;
+            m_types.push_back(fieldTypeOf(c.dataType));
         }
         m_values.resize(job.columns.size());
     }
@@ -29,7 +29,7 @@ public:
     {
         for (qsizetype c = 0; c < qsizetype(m_values.size()); ++c)
             m_values[std::size_t(c)] = TypeValue(c < texts.size() ? texts.at(c) : QString(),
-                                                 m_types.at(c));
+                                                 m_types[std::size_t(c)]);
         if (!m_writer.writeLine(m_values))
             return false;
         ++m_written;
@@ -51,7 +51,8 @@ private:
     const ExportJob& m_job;
     ExportFileWriter& m_writer;
     Feedback& m_feedback;
-    QStringList m_headers, m_types;
+    QStringList m_headers;
+    std::vector<FieldType> m_types;
     std::vector<ExportValue> m_values;
     qint64 m_total = 0;
     qint64 m_written = 0;

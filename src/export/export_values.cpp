@@ -88,11 +88,26 @@ bool isExportNumeric(const QString& s)
     return digits > 0 && i == e;
 }
 
+FieldType fieldTypeOf(const QString& dataType)
+{
+    if (dataType.compare(QLatin1String("Number"), Qt::CaseInsensitive) == 0)
+        return FieldType::Number;
+    if (dataType.compare(QLatin1String("Boolean"), Qt::CaseInsensitive) == 0)
+        return FieldType::Boolean;
+    if (dataType.compare(QLatin1String("Date"), Qt::CaseInsensitive) == 0)
+        return FieldType::Date;
+    return FieldType::Other;
+}
+
 ExportValue TypeValue(const QString& s, const QString& dataType)
 {
-    const QString t = dataType.toUpper();
+    return TypeValue(s, fieldTypeOf(dataType));
+}
+
+ExportValue TypeValue(const QString& s, FieldType type)
+{
     const bool numeric = isExportNumeric(s);
-    if (numeric && t == QLatin1String("NUMBER")) {
+    if (numeric && type == FieldType::Number) {
         const QString trimmed = s.trimmed();
         const QByteArray ascii = trimmed.toLatin1();
         const char* b = ascii.constData();
@@ -105,9 +120,9 @@ ExportValue TypeValue(const QString& s, const QString& dataType)
             return ExportValue::ofNumber(d);
         return ExportValue::ofText(s);
     }
-    if (isTruthText(s) && t == QLatin1String("BOOLEAN"))
+    if (type == FieldType::Boolean && isTruthText(s))
         return ExportValue::ofTruth(s == kTrue);
-    if (t == QLatin1String("DATE") && !numeric) {
+    if (type == FieldType::Date && !numeric) {
         const QDateTime d = parseDate(s);
         if (d.isValid())
             return ExportValue::ofDate(d);

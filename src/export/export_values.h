@@ -21,9 +21,14 @@ struct ExportValue {
     static ExportValue ofDate(const QDateTime& d) { return {Date, {}, 0, false, d}; }
 };
 
+// A field's "Data Type" as the typing reads it (compared without regard to case).
+enum class FieldType { Number, Boolean, Date, Other };
+FieldType fieldTypeOf(const QString& dataType);
+
 // The typed value of getter text s for a field of data type dataType ("Number", "Text",
 // "Boolean", compared without regard to case).
 ExportValue TypeValue(const QString& s, const QString& dataType);
+ExportValue TypeValue(const QString& s, FieldType type);
 
 // Numeric by the rules the files have always used: optional blanks, optional sign, digits
 // with an optional period and decimals. "007", " -12.50 ", ".5" are numeric; "1e5", "1,5" not.

@@ -1,0 +1,190 @@
+// Time-data export of 200,000 waiting records for 500 employees, 8 fields with names and
+// formatted date and time, then marking them; against the sqlite3 shell producing the same
+// CSV from the equivalent join and running the equivalent UPDATE on a copy of the database.
+// Last line: export-time: ours=<s>s peer=<s>s ratio=<ours/peer>
+#include "demo_generator.h"
+#include "export/export_job.h"
+#include "export/time_data.h"
+#include "foundation/dao.h"
+#include "foundation/feedback.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+#include <QRandomGenerator>
+#include <QTemporaryDir>
+#include <sqlite3.h>
+
+#include <cstdio>
+#include <vector>
+
+namespace {
+
+constexpr int kRecords = 200000;
+constexpr int kEmployees = 500;
+
+bool fillTimeRecords(const QString& file, QString* error)
+{
+    sqlite3* db = nullptr;
+    if (sqlite3_open(QFile::encodeName(file).constData(), &db) != SQLITE_OK) {
+        *error = QStringLiteral("cannot open ") + file;
+        return false;
+    }
+    std::vector<int> employees;
+    sqlite3_stmt* st = nullptr;
+    sqlite3_prepare_v2(db, "SELECT EmployeeNumber FROM EmployeeInfo", -1, &st, nullptr);
+    while (sqlite3_step(st) == SQLITE_ROW)
+        employees.push_back(sqlite3_column_int(st, 0));
+    sqlite3_finalize(st);
+    if (employees.size() < std::size_t(kEmployees)) {
+        *error = QStringLiteral("the demo database has too few employees");
+        sqlite3_close(db);
+        return false;
+    }
+    sqlite3_exec(db, "DELETE FROM JobTimeRecords; BEGIN", nullptr, nullptr, nullptr);
+    sqlite3_prepare_v2(db,
+                       "INSERT INTO JobTimeRecords (NewTimeRecordID, EmployeeNumber, VehicleBlock, "
+                       "Date, Time, JobRecordID, CustomerNumber, IsJobInRecord, IsTimeInRecord, "
+                       "IsJobOutRecord, IsTimeOutRecord, OdometerReading, Approved, ExportID) "
+                       "VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, 1, 0)",
+                       -1, &st, nullptr);
+    QRandomGenerator rng(7);
+    for (int i = 1; i <= kRecords; ++i) {
+        const int step = i % 4;
+        const int day = 1 + int(rng.bounded(28));
+        const int month = 1 + int(rng.bounded(12));
+        sqlite3_bind_int(st, 1, i);
+        sqlite3_bind_int(st, 2, employees[rng.bounded(kEmployees)]);
+        sqlite3_bind_int(st, 3, 1 + int(rng.bounded(30)));
+        sqlite3_bind_int(st, 4, 20240000 + month * 100 + day);
+        sqlite3_bind_int(st, 5, int(rng.bounded(24)) * 10000 + int(rng.bounded(60)) * 100 + int(rng.bounded(60)));
+        sqlite3_bind_int(st, 6, 5000 + i / 4);
+        sqlite3_bind_int(st, 7, 1 + int(rng.bounded(30)));
+        sqlite3_bind_int(st, 8, step == 1 ? -1 : 0);
+        sqlite3_bind_int(st, 9, step == 0 ? -1 : 0);
+        sqlite3_bind_int(st, 10, step == 2 ? -1 : 0);
+        sqlite3_bind_int(st, 11, step == 3 ? -1 : 0);
+        sqlite3_bind_int(st, 12, 12000 + i);
+        sqlite3_step(st);
+        sqlite3_reset(st);
+    }
+    sqlite3_finalize(st);
+    const bool ok = sqlite3_exec(db, "COMMIT", nullptr, nullptr, nullptr) == SQLITE_OK;
+    sqlite3_close(db);
+    if (!ok)
+        *error = QStringLiteral("cannot fill JobTimeRecords");
+    return ok;
+}
+
+// The same file through the sqlite3 shell, and the same marks.
+const char* const kPeerScript =
+    ".mode csv\n"
+    ".headers on\n"
+    ".output %1\n"
+    "SELECT t.NewTimeRecordID AS TimeRecordID, t.EmployeeNumber,"
+    " coalesce(nullif(e.FirstName, ''), 'Unknown') AS EmployeeFirstName,"
+    " coalesce(nullif(e.LastName, ''), 'Unknown') AS EmployeeLastName,"
+    " substr(t.Date, 5, 2) || '/' || substr(t.Date, 7, 2) || '/' || substr(t.Date, 1, 4) AS Date,"
+    " printf('%02d:%02d:%02d', t.Time / 10000, t.Time / 100 % 100, t.Time % 100) AS Time,"
+    " t.CustomerNumber,"
+    " CASE WHEN t.IsJobInRecord <> 0 THEN '#TRUE#' ELSE '#FALSE#' END AS IsJobInRecord"
+    " FROM JobTimeRecords t LEFT JOIN EmployeeInfo e ON e.EmployeeNumber = t.EmployeeNumber"
+    " WHERE t.ExportID = 0 AND t.Approved = 1;\n"
+    ".output stdout\n"
+    "UPDATE JobTimeRecords SET ExportID = ExportID + 1, Approved = 2"
+    " WHERE ExportID = 0 AND Approved = 1;\n";
+
+qint64 countLines(const QString& file)
+{
+    QFile f(file);
+    if (!f.open(QIODevice::ReadOnly))
+        return -1;
+    return f.readAll().count('\n');
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QCoreApplication app(argc, argv);
+    QTemporaryDir dir;
+    const QString ours = QDir(dir.path()).filePath(QStringLiteral("ours.db"));
+    const QString peer = QDir(dir.path()).filePath(QStringLiteral("peer.db"));
+
+    tp::DemoOptions options;
+    options.employees = kEmployees;
+    options.timeRecords = 0;
+    options.inventoryRecords = 0;
+    options.tracks = 0;
+    options.gpsPoints = 0;
+    QString error;
+    if (!tp::createDemoDatabase(ours, options, &error) || !fillTimeRecords(ours, &error)
+        || !QFile::copy(ours, peer)) {
+        std::fprintf(stderr, "cannot build the database: %s\n", qPrintable(error));
+        return 1;
+    }
+
+    // Ours: assembler, writer and marks, as the Export window runs them.
+    QElapsedTimer clock;
+    clock.start();
+    tp::cDAO db;
+    if (!db.DB_Connect(ours, QString(), QStringLiteral("Admin"), QString())) {
+        std::fprintf(stderr, "cannot connect: %s\n", qPrintable(db.errorText));
+        return 1;
+    }
+    tp::ScriptedFeedback feedback;
+    feedback.defaultYes = true;
+    tp::TimeAssembler assembler(db, feedback);
+    tp::ExportJob job;
+    job.request.table = tp::kTableTime;
+    job.request.settingsFile = QStringLiteral("KRV.ini");
+    job.request.formatDate = true;
+    job.request.formatTime = true;
+    for (const char* f : {"TimeRecordID", "EmployeeNumber", "EmployeeFirstName", "EmployeeLastName",
+                          "Date", "Time", "CustomerNumber", "IsJobInRecord"}) {
+        const QString name = QLatin1String(f);
+        const QString type = name.startsWith(QLatin1String("EmployeeF")) || name.startsWith(QLatin1String("EmployeeL"))
+                                 ? QStringLiteral("Text")
+                                 : name == QLatin1String("IsJobInRecord") ? QStringLiteral("Boolean")
+                                                                          : QStringLiteral("Number");
+        job.columns.push_back({name, type, name});
+    }
+    job.fileName = QDir(dir.path()).filePath(QStringLiteral("ours.txt"));
+    bool cancel = false;
+    const tp::ExportJobResult result = tp::runExport(job, assembler, feedback, cancel);
+    db.DB_Close();
+    const double oursSeconds = double(clock.nsecsElapsed()) / 1e9;
+    if (result.outcome != tp::ExportJobResult::Completed || result.marked != kRecords
+        || countLines(job.fileName) != kRecords + 1) {
+        std::fprintf(stderr, "our export failed: %s (marked %lld)\n", qPrintable(result.status),
+                     static_cast<long long>(result.marked));
+        return 1;
+    }
+
+    // The peer.
+    const QString peerCsv = QDir(dir.path()).filePath(QStringLiteral("peer.csv"));
+    clock.restart();
+    QProcess shell;
+    shell.start(QStringLiteral("sqlite3"), {peer});
+    shell.write(QString::fromLatin1(kPeerScript).arg(peerCsv).toUtf8());
+    shell.closeWriteChannel();
+    if (!shell.waitForFinished(600000) || shell.exitCode() != 0) {
+        std::fprintf(stderr, "sqlite3 failed: %s\n", shell.readAllStandardError().constData());
+        return 1;
+    }
+    const double peerSeconds = double(clock.nsecsElapsed()) / 1e9;
+    if (countLines(peerCsv) != kRecords + 1) {
+        std::fprintf(stderr, "the peer's file is incomplete\n");
+        return 1;
+    }
+
+    std::printf("records=%d employees=%d file=%lld bytes (peer %lld bytes)\n", kRecords, kEmployees,
+                static_cast<long long>(QFileInfo(job.fileName).size()),
+                static_cast<long long>(QFileInfo(peerCsv).size()));
+    std::printf("export-time: ours=%.3fs peer=%.3fs ratio=%.2f\n", oursSeconds, peerSeconds,
+                oursSeconds / peerSeconds);
+    return 0;
+}
