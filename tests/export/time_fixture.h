@@ -4,6 +4,7 @@
 #include "export/assembler.h"
 #include "foundation/dao.h"
 #include "foundation/feedback.h"
+#include "foundation/sql_literal.h"
 #include "support/test_databases.h"
 
 #include <QDir>
@@ -94,9 +95,9 @@ protected:
                      const QString& name = QString())
     {
         exec(QStringLiteral("INSERT INTO EmployeeInfo (EmployeeNumber, FirstName, LastName, Name) "
-                            "VALUES (%1, '%2', '%3', '%4')")
+                            "VALUES (%1, %2, %3, %4)")
                  .arg(number)
-                 .arg(first, last, name));
+                 .arg(sql::text(first), sql::text(last), sql::text(name)));
     }
 
     qint64 scalar(const QString& sql)
