@@ -1,0 +1,297 @@
+// cDAO on an SQLite file through the C API.
+#include "foundation/dao_engine.h"
+
+#include <QFileInfo>
+#include <sqlite3.h>
+
+namespace tp {
+
+namespace {
+
+constexpr int kBusyTimeoutMs = 5000;
+
+void setError(sqlite3* db, DbError& err)
+{
+    err.set(sqlite3_extended_errcode(db), QString::fromUtf8(sqlite3_errmsg(db)));
+}
+
+int bindValue(sqlite3_stmt* st, int i, const QVariant& v)
+{
+    if (!v.isValid() || v.isNull())
+        return sqlite3_bind_null(st, i);
+    switch (v.typeId()) {
+    case QMetaType::Bool:
+        return sqlite3_bind_int64(st, i, v.toBool() ? -1 : 0);   // Jet's True
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+    case QMetaType::Short:
+    case QMetaType::UShort:
+    case QMetaType::Char:
+    case QMetaType::SChar:
+    case QMetaType::UChar:
+    case QMetaType::Long:
+    case QMetaType::ULong:
+        return sqlite3_bind_int64(st, i, v.toLongLong());
+    case QMetaType::Double:
+    case QMetaType::Float:
+        return sqlite3_bind_double(st, i, v.toDouble());
+    case QMetaType::QByteArray: {
+        const QByteArray b = v.toByteArray();
+        return sqlite3_bind_blob64(st, i, b.constData(), sqlite3_uint64(b.size()), SQLITE_TRANSIENT);
+    }
+    default: {
+        const QByteArray s = v.toString().toUtf8();
+        return sqlite3_bind_text64(st, i, s.constData(), sqlite3_uint64(s.size()), SQLITE_TRANSIENT,
+                                   SQLITE_UTF8);
+    }
+    }
+}
+
+QVariant columnValue(sqlite3_stmt* st, int i)
+{
+    switch (sqlite3_column_type(st, i)) {
+    case SQLITE_INTEGER:
+        return QVariant(qint64(sqlite3_column_int64(st, i)));
+    case SQLITE_FLOAT:
+        return QVariant(sqlite3_column_double(st, i));
+    case SQLITE_TEXT:
+        return QVariant(QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(st, i)),
+                                          sqlite3_column_bytes(st, i)));
+    case SQLITE_BLOB:
+        return QVariant(QByteArray(static_cast<const char*>(sqlite3_column_blob(st, i)),
+                                   sqlite3_column_bytes(st, i)));
+    default:
+        return QVariant();
+    }
+}
+
+QStringList columnNames(sqlite3_stmt* st)
+{
+    QStringList names;
+    for (int i = 0, n = sqlite3_column_count(st); i < n; ++i)
+        names.append(QString::fromUtf8(sqlite3_column_name(st, i)));
+    return names;
+}
+
+class SqliteConnection;
+
+// Rows one at a time, straight from sqlite3_step.
+class SqliteForwardRecordset final : public Recordset {
+public:
+    SqliteForwardRecordset(std::shared_ptr<Connection> owner, sqlite3* db, sqlite3_stmt* st)
+        : m_owner(std::move(owner)), m_db(db), m_stmt(st), m_names(columnNames(st))
+    {
+        advance();
+    }
+    ~SqliteForwardRecordset() override { sqlite3_finalize(m_stmt); }
+
+    RecordsetKind kind() const override { return RecordsetKind::ForwardOnly; }
+    bool atEnd() const override { return m_end; }
+    bool atBegin() const override { return m_seen == 0; }
+    void moveFirst() override
+    {
+        if (m_seen > 1 || m_end)
+            notSupported();
+    }
+    void moveLast() override { notSupported(); }
+    void moveNext() override
+    {
+        if (m_end) {
+            m_error = ErrNoCurrentRecord;
+            m_errorText = QStringLiteral("No current record.");
+            return;
+        }
+        advance();
+    }
+    void movePrevious() override { notSupported(); }
+    qint32 recordCount() const override { return m_seen; }
+    int fieldCount() const override { return int(m_names.size()); }
+    QString fieldName(int index) const override { return m_names.value(index); }
+    int fieldIndex(const QString& name) const override
+    {
+        for (int i = 0; i < m_names.size(); ++i)
+            if (m_names[i].compare(name, Qt::CaseInsensitive) == 0)
+                return i;
+        m_error = ErrItemNotFound;
+        m_errorText = QStringLiteral("Item not found in this collection: %1").arg(name);
+        return -1;
+    }
+    QVariant value(int index) const override
+    {
+        if (m_end || index < 0 || index >= m_names.size()) {
+            if (index >= 0) {
+                m_error = m_end ? ErrNoCurrentRecord : ErrItemNotFound;
+                m_errorText = m_end ? QStringLiteral("No current record.")
+                                    : QStringLiteral("Item not found in this collection.");
+            }
+            return QVariant();
+        }
+        return columnValue(m_stmt, index);
+    }
+
+private:
+    void advance()
+    {
+        const int rc = sqlite3_step(m_stmt);
+        if (rc == SQLITE_ROW) {
+            ++m_seen;
+            return;
+        }
+        m_end = true;
+        if (rc != SQLITE_DONE) {
+            m_error = sqlite3_extended_errcode(m_db);
+            m_errorText = QString::fromUtf8(sqlite3_errmsg(m_db));
+        }
+    }
+    void notSupported()
+    {
+        m_error = ErrNotSupported;
+        m_errorText = QStringLiteral("Operation is not supported for this type of object.");
+    }
+
+    std::shared_ptr<Connection> m_owner;   // keeps the database open while rows stream
+    sqlite3* m_db;
+    sqlite3_stmt* m_stmt;
+    QStringList m_names;
+    qint32 m_seen = 0;
+    bool m_end = false;
+};
+
+class SqliteConnection final : public Connection {
+public:
+    ~SqliteConnection() override { close(); }
+
+    bool open(const QString& path, DbError& err)
+    {
+        // Never create a database: a missing file is an error.
+        if (!QFileInfo(path).isFile()) {
+            err.set(SQLITE_CANTOPEN, QStringLiteral("unable to open database file: %1").arg(path));
+            return false;
+        }
+        const int rc = sqlite3_open_v2(path.toUtf8().constData(), &m_db, SQLITE_OPEN_READWRITE,
+                                       nullptr);
+        if (rc != SQLITE_OK) {
+            setError(m_db, err);
+            close();
+            return false;
+        }
+        sqlite3_extended_result_codes(m_db, 1);
+        sqlite3_busy_timeout(m_db, kBusyTimeoutMs);
+        // Reading the schema tells a database from any other file.
+        if (!exec(QStringLiteral("SELECT count(*) FROM sqlite_master"), err)) {
+            close();
+            return false;
+        }
+        m_path = path;
+        return true;
+    }
+
+    jet::Dialect dialect() const override { return jet::Dialect::SQLite; }
+    QString rowKeyExpression() const override { return QStringLiteral("rowid"); }
+    QString rowKeyParameter() const override { return QStringLiteral("?"); }
+    bool isOpen() const override { return m_db != nullptr; }
+    void close() override
+    {
+        if (m_db)
+            sqlite3_close_v2(m_db);   // deferred while a streamed recordset still reads
+        m_db = nullptr;
+    }
+
+    bool query(const QString& sql, const QVector<QVariant>& params, ResultRows& out,
+               DbError& err) override
+    {
+        sqlite3_stmt* st = prepare(sql, err);
+        if (!st)
+            return false;
+        for (int i = 0; i < params.size(); ++i)
+            if (bindValue(st, i + 1, params[i]) != SQLITE_OK) {
+                setError(m_db, err);
+                sqlite3_finalize(st);
+                return false;
+            }
+        out.names = columnNames(st);
+        const int n = int(out.names.size());
+        int rc;
+        while ((rc = sqlite3_step(st)) == SQLITE_ROW) {
+            QVector<QVariant> row(n);
+            for (int i = 0; i < n; ++i)
+                row[i] = columnValue(st, i);
+            out.rows.append(std::move(row));
+        }
+        if (rc != SQLITE_DONE) {
+            setError(m_db, err);
+            sqlite3_finalize(st);
+            return false;
+        }
+        sqlite3_finalize(st);
+        return true;
+    }
+
+    bool exec(const QString& sql, DbError& err) override
+    {
+        if (!m_db) {
+            err.set(ErrNotConnected, QStringLiteral("The database is closed."));
+            return false;
+        }
+        if (sqlite3_exec(m_db, sql.toUtf8().constData(), nullptr, nullptr, nullptr) != SQLITE_OK) {
+            setError(m_db, err);
+            return false;
+        }
+        return true;
+    }
+
+    RecordsetPtr stream(const QString& sql, DbError& err) override
+    {
+        sqlite3_stmt* st = prepare(sql, err);
+        if (!st)
+            return nullptr;
+        auto rs = std::make_unique<SqliteForwardRecordset>(shared_from_this(), m_db, st);
+        if (rs->lastError() != 0) {   // the first step failed
+            err.set(rs->lastError(), rs->lastErrorText());
+            return nullptr;
+        }
+        return rs;
+    }
+
+    bool begin(DbError& err) override { return exec(QStringLiteral("BEGIN"), err); }
+    bool commit(DbError& err) override { return exec(QStringLiteral("COMMIT"), err); }
+    bool rollback(DbError& err) override { return exec(QStringLiteral("ROLLBACK"), err); }
+    qint64 size() override { return QFileInfo(m_path).size(); }
+
+private:
+    sqlite3_stmt* prepare(const QString& sql, DbError& err)
+    {
+        if (!m_db) {
+            err.set(ErrNotConnected, QStringLiteral("The database is closed."));
+            return nullptr;
+        }
+        const QByteArray text = sql.toUtf8();
+        sqlite3_stmt* st = nullptr;
+        if (sqlite3_prepare_v2(m_db, text.constData(), int(text.size()), &st, nullptr) != SQLITE_OK) {
+            setError(m_db, err);
+            sqlite3_finalize(st);
+            return nullptr;
+        }
+        if (!st) {   // blank statement
+            err.set(SQLITE_MISUSE, QStringLiteral("The statement is empty."));
+            return nullptr;
+        }
+        return st;
+    }
+
+    sqlite3* m_db = nullptr;
+    QString m_path;
+};
+
+} // namespace
+
+std::shared_ptr<Connection> openSqlite(const QString& path, DbError& err)
+{
+    auto c = std::make_shared<SqliteConnection>();
+    if (!c->open(path, err))
+        return nullptr;
+    return c;
+}
+
+} // namespace tp
