@@ -69,7 +69,15 @@ TYPED_TEST(DaoTest, ConnectAndClose)
     EXPECT_EQ(this->dao.isPostgres(), TypeParam::kPostgres);
     EXPECT_GT(this->dao.DB_Size(), 0);
     EXPECT_EQ(this->dao.databaseSize, this->dao.DB_Size());
+    this->addItems(1);
+    RecordsetPtr open = this->dao.RecSet_Dyn(QStringLiteral("Select * from Items"));
+    ASSERT_TRUE(open);
     this->dao.DB_Close();
+    // A recordset that outlives its connection fails cleanly.
+    ASSERT_TRUE(open->edit());
+    open->setValue(QStringLiteral("Name"), QStringLiteral("late"));
+    EXPECT_FALSE(open->update());
+    EXPECT_NE(open->lastError(), 0);
     EXPECT_FALSE(this->dao.mbDatabaseIsOpen);
     EXPECT_FALSE(this->dao.RecSet_Stat(QStringLiteral("Select * from Items")));
     EXPECT_EQ(this->dao.appError, tp::StatusStat);
@@ -234,14 +242,14 @@ TYPED_TEST(DaoTest, DynasetAddsAndEditsRowsOfItsTable)
     for (int id : {10, 11}) {
         ASSERT_TRUE(rs->addNew());
         ASSERT_TRUE(rs->setValue(QStringLiteral("itemid"), id));
-        ASSERT_TRUE(rs->setValue(QStringLiteral("Name"), QStringLiteral("O'Brien %1").arg(id)));
+        ASSERT_TRUE(rs->setValue(QStringLiteral("Name"), QStringLiteral("O'Brien %1 \\' ?").arg(id)));
         ASSERT_TRUE(rs->update()) << rs->lastErrorText().toStdString();
     }
     EXPECT_EQ(rs->recordCount(), 3);
     rs->moveLast();
     EXPECT_EQ(rs->value(QStringLiteral("ItemID")).toLongLong(), 11);
     EXPECT_EQ(rs->value(QStringLiteral("Flag")).toLongLong(), 0);   // the column default, read back
-    EXPECT_EQ(this->dao.Reco_Count(QStringLiteral("Select * from Items where Name = 'O''Brien 10'")), 1);
+    EXPECT_EQ(this->dao.Reco_Count(QStringLiteral("Select * from Items where Name = 'O''Brien 10 \\'' ?'")), 1);
 
     RecordsetPtr two = this->dao.RecSet_Dyn(QStringLiteral("Select ItemID, Name from Items where ItemID = 2"));
     ASSERT_TRUE(two);
