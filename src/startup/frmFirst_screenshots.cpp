@@ -1,0 +1,56 @@
+// Screenshot mode of the main window: for machines without a screen (demo and review).
+#include "export/frmExport.h"
+#include "startup/frmAbout.h"
+#include "startup/frmFirst.h"
+
+#include "foundation/globals.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QListWidget>
+#include <QPixmap>
+
+namespace tp {
+
+namespace {
+
+bool save(QWidget* window, const QString& path, QStringList& written)
+{
+    window->show();
+    QApplication::processEvents();
+    if (!window->grab().save(path, "PNG"))
+        return false;
+    written << path;
+    return true;
+}
+
+} // namespace
+
+QStringList frmFirst::saveScreenshots(const QString& folder)
+{
+    QStringList written;
+    QDir().mkpath(folder);
+    const QDir dir(folder);
+    save(this, dir.filePath(QStringLiteral("main-window.png")), written);
+
+    aboutClicked();
+    if (m_about) {
+        save(m_about, dir.filePath(QStringLiteral("about-box.png")), written);
+        m_about->close();
+    }
+
+    cDAO* db = SharedDatabase();
+    if (!db)
+        return written;
+    frmExport window(*db, this, prompts, fileDialog);
+    save(&window, dir.filePath(QStringLiteral("export-window-list.png")), written);
+    if (window.chooseDataSet(QStringLiteral("Time Data"))) {
+        for (int row : {2, 5, 6})
+            window.clickFieldBox(row, true);
+        save(&window, dir.filePath(QStringLiteral("export-window.png")), written);
+    }
+    window.close();
+    return written;
+}
+
+} // namespace tp

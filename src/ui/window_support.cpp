@@ -1,0 +1,76 @@
+#include "ui/window_support.h"
+
+#include <QLineEdit>
+#include <QPalette>
+#include <QWidget>
+#include <cmath>
+
+static void initTallyportResources()
+{
+    Q_INIT_RESOURCE(tallyport);
+}
+
+namespace tp::ui {
+
+void initResources()
+{
+    static const bool done = [] {
+        initTallyportResources();
+        return true;
+    }();
+    (void)done;
+}
+
+QIcon programIcon()
+{
+    initResources();
+    return QIcon(QStringLiteral(":/tallyport.png"));
+}
+
+QIcon importIcon()
+{
+    initResources();
+    return QIcon(QStringLiteral(":/import.png"));
+}
+
+QIcon exportIcon()
+{
+    initResources();
+    return QIcon(QStringLiteral(":/export.png"));
+}
+
+int twipsToPixels(int twips)
+{
+    return int(std::lround(double(twips) / kTwipsPerPixel));
+}
+
+void placeWindow(QWidget* window, int leftTwips, int topTwips, int widthTwips, int heightTwips)
+{
+    window->move(twipsToPixels(leftTwips), twipsToPixels(topTwips));
+    window->resize(twipsToPixels(widthTwips), twipsToPixels(heightTwips));
+}
+
+QColor buttonFaceColor(const QWidget* widget)
+{
+    return widget->palette().color(QPalette::Button);
+}
+
+QColor scrollBarColor(const QWidget* widget)
+{
+    // Scroll-bar tracks are drawn a shade darker than the window.
+    return widget->palette().color(QPalette::Window).darker(108);
+}
+
+void setBoxColor(QLineEdit* box, const QColor& color)
+{
+    QPalette p = box->palette();
+    p.setColor(QPalette::Base, color);
+    box->setPalette(p);
+}
+
+QColor boxColor(const QLineEdit* box)
+{
+    return box->palette().color(QPalette::Base);
+}
+
+} // namespace tp::ui

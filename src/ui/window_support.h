@@ -1,0 +1,30 @@
+#pragma once
+// Small helpers every window uses: the program's pictures, window placement in twips, and
+// the platform colours the windows name.
+#include <QColor>
+#include <QIcon>
+
+class QLineEdit;
+class QWidget;
+
+namespace tp::ui {
+
+// Makes the compiled-in pictures available (safe to call more than once).
+void initResources();
+QIcon programIcon();
+QIcon importIcon();
+QIcon exportIcon();
+
+// Window measures are given in twips; the screen has 15 twips to a pixel.
+constexpr int kTwipsPerPixel = 15;
+int twipsToPixels(int twips);
+// Client size and position of a top-level window, in twips.
+void placeWindow(QWidget* window, int leftTwips, int topTwips, int widthTwips, int heightTwips);
+
+// Background colours of text boxes that cannot be typed into.
+QColor buttonFaceColor(const QWidget* widget);
+QColor scrollBarColor(const QWidget* widget);
+void setBoxColor(QLineEdit* box, const QColor& color);
+QColor boxColor(const QLineEdit* box);
+
+} // namespace tp::ui

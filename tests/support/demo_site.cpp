@@ -1,0 +1,78 @@
+#include "support/demo_site.h"
+
+#include "demo_generator.h"
+#include "foundation/dao.h"
+
+#include <QDir>
+#include <QFile>
+
+namespace tp::test {
+
+namespace {
+
+// One generated database per test program, copied for every site: generating is the slow part.
+QString templateDatabase(QString* error)
+{
+    static QTemporaryDir dir;
+    static QString made;
+    static QString failure;
+    if (made.isEmpty() && failure.isEmpty()) {
+        DemoOptions options;
+        options.employees = 12;
+        options.vehicles = 8;
+        options.customers = 8;
+        options.locations = 6;
+        options.timeRecords = 60;
+        options.inventoryRecords = 30;
+        options.tracks = 6;
+        options.gpsPoints = 300;
+        options.months = 2;
+        const QString file = dir.filePath(QStringLiteral("template.db"));
+        if (createDemoDatabase(file, options, &failure))
+            made = file;
+        else if (failure.isEmpty())
+            failure = QStringLiteral("the demo database could not be made");
+    }
+    *error = failure;
+    return made;
+}
+
+} // namespace
+
+DemoSite::DemoSite()
+{
+    const QString source = templateDatabase(&m_error);
+    if (!m_error.isEmpty())
+        return;
+    if (!QFile::copy(source, databaseFile())) {
+        m_error = QStringLiteral("cannot copy the demo database");
+        return;
+    }
+    QFile::setPermissions(databaseFile(), QFile::ReadOwner | QFile::WriteOwner);
+    QString error;
+    if (!writeDemoSettings(m_settings.path(), m_dir.path(), QStringLiteral("primary.db"), &error))
+        m_error = QStringLiteral("cannot write the settings: ") + error;
+}
+
+QString DemoSite::databaseFile() const
+{
+    return QDir(m_dir.path()).filePath(QStringLiteral("primary.db"));
+}
+
+void DemoSite::writeSettings(const QString& name, const QByteArray& content) const
+{
+    m_settings.write(name, content);
+}
+
+bool DemoSite::exec(const QString& sql)
+{
+    cDAO db;
+    if (!db.DB_Connect(databaseFile(), QString(), QStringLiteral("Admin"), QString()))
+        return false;
+    db.Exec(sql);
+    const bool ok = db.appError == 0;
+    db.DB_Close();
+    return ok;
+}
+
+} // namespace tp::test
