@@ -97,8 +97,8 @@ void frmExport::buildControls()
     lblSelection->setBuddy(lstTables);
 
     fpFields = grid("fpFields", this);
-    fpFields->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::AnyKeyPressed |
-                              QAbstractItemView::SelectedClicked);
+    // Typing or a double click edits a header text, as in a spreadsheet.
+    fpFields->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::AnyKeyPressed);
     m_fields = new ui::GridAdapter(fpFields);
     m_fields->setMaxCols(5);
     const char* titles[] = {"Chck Field", "Field Order", "Field Name", "Data Type", "Text File Header"};
