@@ -11,6 +11,13 @@
 #include <QStyleOptionViewItem>
 #include <QTableWidget>
 #include <gtest/gtest.h>
+#include <ostream>
+
+// Failed comparisons of texts print the text.
+inline void PrintTo(const QString& text, std::ostream* os)
+{
+    *os << '"' << text.toStdString() << '"';
+}
 
 namespace tp::test {
 
