@@ -1,7 +1,9 @@
 #include "ui/window_support.h"
 
+#include <QGuiApplication>
 #include <QLineEdit>
 #include <QPalette>
+#include <QScreen>
 #include <QWidget>
 #include <cmath>
 
@@ -48,6 +50,22 @@ void placeWindow(QWidget* window, int leftTwips, int topTwips, int widthTwips, i
 {
     window->move(twipsToPixels(leftTwips), twipsToPixels(topTwips));
     window->resize(twipsToPixels(widthTwips), twipsToPixels(heightTwips));
+}
+
+void centreWindow(QWidget* window)
+{
+    const QScreen* screen = window->screen() ? window->screen() : QGuiApplication::primaryScreen();
+    if (!screen)
+        return;
+    const QRect area = screen->availableGeometry();
+    const QSize size = window->frameGeometry().size();
+    const int margin = twipsToPixels(kCentreMarginTwips);
+    auto place = [margin](int screenLength, int windowLength) {
+        const int start = (screenLength - windowLength) / 2;
+        return windowLength > screenLength - 2 * margin ? margin : start;
+    };
+    window->move(area.left() + place(area.width(), size.width()),
+                 area.top() + place(area.height(), size.height()));
 }
 
 QColor buttonFaceColor(const QWidget* widget)

@@ -20,6 +20,10 @@ constexpr int kTwipsPerPixel = 15;
 int twipsToPixels(int twips);
 // Client size and position of a top-level window, in twips.
 void placeWindow(QWidget* window, int leftTwips, int topTwips, int widthTwips, int heightTwips);
+// Centres a top-level window on its screen; where it does not fit, its top or left edge keeps
+// a margin of 100 twips from the screen's edge.
+constexpr int kCentreMarginTwips = 100;
+void centreWindow(QWidget* window);
 
 // Background colours of text boxes that cannot be typed into.
 QColor buttonFaceColor(const QWidget* widget);
