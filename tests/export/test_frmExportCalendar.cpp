@@ -3,7 +3,7 @@
 #include "export/frmExportCalendar.h"
 #include "support/gui_app.h"
 #include "ui/window_support.h"
-#include "time_fixture.h"
+#include "gps_calendar_fixture.h"
 
 #include <QCalendarWidget>
 #include <QDir>
@@ -18,7 +18,7 @@ namespace {
 
 const auto* const kCalendarGui = ::testing::AddGlobalTestEnvironment(new GuiEnvironment);
 
-class CalendarWindow : public TimeDbTest {
+class CalendarWindow : public GpsCalendarDbTest {
 protected:
     std::unique_ptr<frmExportCalendar> open(const QString& purpose, const QString& table,
                                             const QString& shown)
@@ -175,6 +175,32 @@ TEST_F(CalendarWindow, ChangingTheMonthReloadsDaysAndLabel)
     // A day picked in the new month carries its month and year.
     press(day(w.get(), 20));   // April 15th, 2005 is a Friday: button 6 + 14
     EXPECT_EQ(w->selectedDate(), QStringLiteral("04/15/2005"));
+}
+
+TEST_F(CalendarWindow, GpsDaysOfOneOrEverySubject)
+{
+    addTracks();
+    const QString gps = QStringLiteral("GPSCoordinates");
+    context.trackSubjects = {1};
+    context.currentTrackSubject = 1;
+    auto one = open(kStart, gps, QStringLiteral("03/20/2004"));
+    EXPECT_EQ(enabledDays(one.get()), (std::vector<int>{5}));
+
+    // Every subject: position 0 is unused and the last subject stays current.
+    context.trackSubjects = {0, 1, 4};
+    context.currentTrackSubject = 2;
+    auto all = open(kStart, gps, QStringLiteral("03/20/2005"));
+    EXPECT_TRUE(enabledDays(all.get()).empty());
+    EXPECT_EQ(all->currentTrackSubject(), 4);
+    // A new year alone asks for the current subject only.
+    calendar(all.get())->setCurrentPage(2004, 3);
+    EXPECT_EQ(enabledDays(all.get()), (std::vector<int>{20}));
+    // A new month asks for every subject again.
+    calendar(all.get())->setCurrentPage(2004, 4);
+    EXPECT_EQ(enabledDays(all.get()), (std::vector<int>{1}));
+    calendar(all.get())->setCurrentPage(2004, 3);
+    EXPECT_EQ(enabledDays(all.get()), (std::vector<int>{5, 20}));
+    EXPECT_TRUE(feedback.messages().isEmpty());
 }
 
 TEST_F(CalendarWindow, PickedDayIsMarkedAndReturnedByOk)
