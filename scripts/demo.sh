@@ -26,9 +26,10 @@ if ! ls src/startup/frmFirst* >/dev/null 2>&1 || [ ! -x build/tallyport ]; then
 fi
 if [ -z "${DISPLAY:-}" ] && [ -z "${WAYLAND_DISPLAY:-}" ]; then
     echo
-    echo "No display: saving pictures of the windows into ./demo/screenshots instead."
+    echo "No display: running the program under Xvfb and saving pictures of its windows:"
     export XDG_RUNTIME_DIR=${XDG_RUNTIME_DIR:-$(mktemp -d "${TMPDIR:-/tmp}/tallyport-xdg.XXXXXX")}
-    QT_QPA_PLATFORM=offscreen build/tallyport --screenshots demo/screenshots "$command_line"
+    xvfb-run -a -s "-screen 0 1280x1024x24" \
+        build/tallyport --screenshots "$PWD/build/screenshots" "$command_line"
     echo "With a display, run:  TALLYPORT_SETTINGS_DIR=$TALLYPORT_SETTINGS_DIR build/tallyport \"$command_line\""
     exit 0
 fi

@@ -102,7 +102,7 @@ void frmExport::buildControls()
     m_fields = new ui::GridAdapter(fpFields);
     m_fields->setMaxCols(5);
     const char* titles[] = {"Chck Field", "Field Order", "Field Name", "Data Type", "Text File Header"};
-    const int widths[] = {7, 8, 15, 7, 15};
+    const int widths[] = {8, 9, 17, 8, 15};
     for (int c = 1; c <= 5; ++c) {
         m_fields->setText(c, 0, QString::fromLatin1(titles[c - 1]));
         m_fields->setColWidth(c, widths[c - 1]);

@@ -90,6 +90,7 @@ void frmExport::showFieldCatalogue()
             m_fields->setText(5, r, f.header);
         }
     });
+    fpFields->setCurrentItem(nullptr);
 }
 
 void frmExport::showFieldOrders()

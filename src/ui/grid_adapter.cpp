@@ -28,13 +28,13 @@ bool isNavigationKey(int key)
     }
 }
 
-// The width of one character of a grid column: the mean over the letters, so that a column
-// as wide as a name in characters shows the whole name.
+// The width of one character of a grid column: the mean over the small letters with a tenth
+// added for capitals, so that a column as wide as a field name in characters shows the name.
 int characterWidth(const QFont& font)
 {
-    static const QString letters = QStringLiteral("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz");
+    static const QString letters = QStringLiteral("abcdefghijklmnopqrstuvwxyz");
     const QFontMetrics fm(font);
-    return (fm.horizontalAdvance(letters) + letters.size() - 1) / letters.size();
+    return qRound(fm.horizontalAdvance(letters) * 1.1 / letters.size());
 }
 
 } // namespace
