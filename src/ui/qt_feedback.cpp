@@ -48,26 +48,30 @@ void QtFeedback::progress(qint64 done, qint64 total)
 
 void QtFeedback::message(short kind, const QString& text, const QString& title)
 {
-    if (m_prompts) {
-        m_prompts->message(kind, text, title);
-        return;
-    }
     // The hourglass must not hide the arrow over the box's button.
     const bool wasBusy = m_busy;
     busy(false);
-    QMessageBox box(kind == 0 ? QMessageBox::Information : QMessageBox::Critical, title,
-                    displayText(text), QMessageBox::Ok, owner());
-    box.exec();
+    if (m_prompts) {
+        m_prompts->message(kind, text, title);
+    } else {
+        QMessageBox box(kind == 0 ? QMessageBox::Information : QMessageBox::Critical, title,
+                        displayText(text), QMessageBox::Ok, owner());
+        box.exec();
+    }
     busy(wasBusy);
 }
 
 short QtFeedback::ask(short kind, const QString& text)
 {
-    if (m_prompts)
-        return m_prompts->ask(kind, text);
+    const bool wasBusy = m_busy;
+    if (m_prompts) {
+        busy(false);
+        const short answer = m_prompts->ask(kind, text);
+        busy(wasBusy);
+        return answer;
+    }
     if (kind != 0 && kind != 1)
         return AnswerNone;
-    const bool wasBusy = m_busy;
     busy(false);
     const auto buttons = kind == 0 ? QMessageBox::Yes | QMessageBox::No
                                    : QMessageBox::Retry | QMessageBox::Cancel;

@@ -176,6 +176,22 @@ TEST(QtFeedback, BusyCursorIsNotLeftBehind)
     EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 }
 
+TEST(QtFeedback, NoHourglassWhileTheUserReadsABox)
+{
+    ScriptedFeedback script;
+    bool hourglassDuringBox = true;
+    script.onShown = [&](const ScriptedFeedback::Shown&) {
+        hourglassDuringBox = QApplication::overrideCursor() != nullptr;
+    };
+    ui::QtFeedback feedback(nullptr, nullptr, &script);
+    feedback.busy(true);
+    feedback.message(0, QStringLiteral("There are no records available."), kBoxTitle);
+    EXPECT_FALSE(hourglassDuringBox);
+    EXPECT_NE(QApplication::overrideCursor(), nullptr);   // back once the box is gone
+    feedback.busy(false);
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+}
+
 TEST(QtFeedback, CarriageReturnsBecomeLineBreaksOnScreen)
 {
     EXPECT_EQ(ui::QtFeedback::displayText(QStringLiteral("a\rb\r\nc\nd")), QStringLiteral("a\nb\nc\nd"));
