@@ -1,0 +1,21 @@
+#pragma once
+// The two commands of the batch tool. Each returns the program's exit status.
+#include "batch/batch_options.h"
+
+#include <cstdio>
+
+namespace tp::batch {
+
+class ConsoleFeedback;
+
+// The Export window's road for one data set: gates, data set, fields, selection, scan, save.
+// The final status text goes to out.
+int exportCommand(const Options& options, ConsoleFeedback& feedback, std::FILE* out);
+
+// Checks its options, the start-up and the Import gate; importing itself is not built yet.
+int importCommand(const Options& options, ConsoleFeedback& feedback, std::FILE* out);
+
+// Prints the last status text (if any) as the run's last word on out; returns status.
+int finishWithStatus(ConsoleFeedback& feedback, std::FILE* out, int status);
+
+} // namespace tp::batch
