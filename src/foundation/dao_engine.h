@@ -60,6 +60,37 @@ public:
     virtual qint64 size() = 0;
 };
 
+// Rows one at a time; an engine supplies how to fetch the next row and read its cells.
+class ForwardRecordset : public Recordset {
+public:
+    RecordsetKind kind() const override { return RecordsetKind::ForwardOnly; }
+    bool atEnd() const override { return m_end; }
+    bool atBegin() const override { return m_seen == 0; }
+    void moveFirst() override;
+    void moveLast() override { notSupported(); }
+    void moveNext() override;
+    void movePrevious() override { notSupported(); }
+    qint32 recordCount() const override { return m_seen; }
+    int fieldCount() const override { return int(m_names.size()); }
+    QString fieldName(int index) const override { return m_names.value(index); }
+    int fieldIndex(const QString& name) const override;
+    QVariant value(int index) const override;
+
+protected:
+    // Makes the next row current; false at the end or on failure (error in err).
+    virtual bool fetchNext(DbError& err) = 0;
+    virtual QVariant cell(int index) const = 0;
+    // Subclasses call this once their names are known, to read the first row.
+    void start();
+    QStringList m_names;
+
+private:
+    void advance();
+    void notSupported();
+    qint32 m_seen = 0;
+    bool m_end = false;
+};
+
 std::shared_ptr<Connection> openSqlite(const QString& path, DbError& err);
 std::shared_ptr<Connection> openPostgres(const QString& location, const QString& password,
                                          DbError& err);

@@ -111,85 +111,67 @@ bool parseLocation(const QString& location, PgLocation& out)
     return !out.database.isEmpty();
 }
 
-// Rows one at a time from a forward-only query.
-class PgForwardRecordset final : public Recordset {
+// Rows from a server-side cursor, fetched in batches: other statements may run on the same
+// connection between two rows (a look-up per record, say), which a streamed query forbids.
+class PgForwardRecordset final : public ForwardRecordset {
 public:
-    PgForwardRecordset(std::shared_ptr<Connection> owner, QSqlQuery&& q)
-        : m_query(std::move(q)), m_owner(std::move(owner)), m_names(columnNames(m_query.record()))
+    PgForwardRecordset(std::shared_ptr<Connection> owner, QString cursor)
+        : m_owner(std::move(owner)), m_cursor(std::move(cursor))
     {
-        advance();
-    }
-
-    RecordsetKind kind() const override { return RecordsetKind::ForwardOnly; }
-    bool atEnd() const override { return m_end; }
-    bool atBegin() const override { return m_seen == 0; }
-    void moveFirst() override
-    {
-        if (m_seen > 1 || m_end)
-            notSupported();
-    }
-    void moveLast() override { notSupported(); }
-    void moveNext() override
-    {
-        if (m_end) {
-            m_error = ErrNoCurrentRecord;
-            m_errorText = QStringLiteral("No current record.");
+        DbError err;
+        if (fill(err))
+            m_names = m_batch.names;
+        if (err.code) {
+            m_error = err.code;
+            m_errorText = err.text;
             return;
         }
-        advance();
+        start();
     }
-    void movePrevious() override { notSupported(); }
-    qint32 recordCount() const override { return m_seen; }
-    int fieldCount() const override { return int(m_names.size()); }
-    QString fieldName(int index) const override { return m_names.value(index); }
-    int fieldIndex(const QString& name) const override
+    ~PgForwardRecordset() override
     {
-        for (int i = 0; i < m_names.size(); ++i)
-            if (m_names[i].compare(name, Qt::CaseInsensitive) == 0)
-                return i;
-        m_error = ErrItemNotFound;
-        m_errorText = QStringLiteral("Item not found in this collection: %1").arg(name);
-        return -1;
-    }
-    QVariant value(int index) const override
-    {
-        if (m_end || index < 0 || index >= m_names.size()) {
-            if (index >= 0) {
-                m_error = m_end ? ErrNoCurrentRecord : ErrItemNotFound;
-                m_errorText = m_end ? QStringLiteral("No current record.")
-                                    : QStringLiteral("Item not found in this collection.");
-            }
-            return QVariant();
+        if (m_owner->isOpen()) {
+            DbError ignored;
+            m_owner->exec(QStringLiteral("CLOSE ") + m_cursor, ignored);
         }
-        return normalized(m_query.value(index));
     }
+
+protected:
+    bool fetchNext(DbError& err) override
+    {
+        if (m_first) {
+            m_first = false;
+        } else {
+            ++m_row;
+        }
+        if (m_row >= m_batch.rows.size()) {
+            if (m_drained || !fill(err))
+                return false;
+        }
+        return m_row < m_batch.rows.size();
+    }
+    QVariant cell(int index) const override { return m_batch.rows[m_row].value(index); }
 
 private:
-    void advance()
+    static constexpr int kBatch = 2000;
+
+    bool fill(DbError& err)
     {
-        if (m_query.next()) {
-            ++m_seen;
-            return;
-        }
-        m_end = true;
-        if (m_query.lastError().isValid()) {
-            DbError e;
-            setError(m_query.lastError(), e);
-            m_error = e.code;
-            m_errorText = e.text;
-        }
-    }
-    void notSupported()
-    {
-        m_error = ErrNotSupported;
-        m_errorText = QStringLiteral("Operation is not supported for this type of object.");
+        m_batch = ResultRows();
+        m_row = 0;
+        if (!m_owner->query(QStringLiteral("FETCH FORWARD %1 FROM %2").arg(kBatch).arg(m_cursor), {},
+                            m_batch, err))
+            return false;
+        m_drained = m_batch.rows.size() < kBatch;
+        return true;
     }
 
-    QSqlQuery m_query;                     // destroyed before the connection it uses
     std::shared_ptr<Connection> m_owner;
-    QStringList m_names;
-    qint32 m_seen = 0;
-    bool m_end = false;
+    QString m_cursor;
+    ResultRows m_batch;
+    qsizetype m_row = 0;
+    bool m_first = true;
+    bool m_drained = false;
 };
 
 class PgConnection final : public Connection {
@@ -269,10 +251,14 @@ public:
 
     RecordsetPtr stream(const QString& sql, DbError& err) override
     {
-        QSqlQuery q = run(sql, {}, err);
-        if (err.code)
+        static QAtomicInteger<quint64> counter;
+        const QString cursor = QStringLiteral("tp_cursor_%1").arg(counter.fetchAndAddRelaxed(1));
+        // WITH HOLD: the cursor outlives the statement's own transaction and any commit.
+        if (!exec(QStringLiteral("DECLARE ") + cursor + QStringLiteral(" NO SCROLL CURSOR WITH HOLD FOR ")
+                      + sql,
+                  err))
             return nullptr;
-        auto rs = std::make_unique<PgForwardRecordset>(shared_from_this(), std::move(q));
+        auto rs = std::make_unique<PgForwardRecordset>(shared_from_this(), cursor);
         if (rs->lastError() != 0) {
             err.set(rs->lastError(), rs->lastErrorText());
             return nullptr;

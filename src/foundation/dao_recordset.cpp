@@ -292,4 +292,68 @@ RecordsetPtr openBuffered(const std::shared_ptr<Connection>& conn, const QString
     return std::make_unique<BufferedRecordset>(kind, std::move(rows), false);
 }
 
+void ForwardRecordset::start()
+{
+    advance();
+}
+
+void ForwardRecordset::advance()
+{
+    DbError err;
+    if (fetchNext(err)) {
+        ++m_seen;
+        return;
+    }
+    m_end = true;
+    if (err.code) {
+        m_error = err.code;
+        m_errorText = err.text;
+    }
+}
+
+void ForwardRecordset::moveFirst()
+{
+    if (m_seen > 1 || m_end)
+        notSupported();
+}
+
+void ForwardRecordset::moveNext()
+{
+    if (m_end) {
+        m_error = ErrNoCurrentRecord;
+        m_errorText = QStringLiteral("No current record.");
+        return;
+    }
+    advance();
+}
+
+void ForwardRecordset::notSupported()
+{
+    m_error = ErrNotSupported;
+    m_errorText = QStringLiteral("Operation is not supported for this type of object.");
+}
+
+int ForwardRecordset::fieldIndex(const QString& name) const
+{
+    for (int i = 0; i < m_names.size(); ++i)
+        if (m_names[i].compare(name, Qt::CaseInsensitive) == 0)
+            return i;
+    m_error = ErrItemNotFound;
+    m_errorText = QStringLiteral("Item not found in this collection: %1").arg(name);
+    return -1;
+}
+
+QVariant ForwardRecordset::value(int index) const
+{
+    if (m_end || index < 0 || index >= m_names.size()) {
+        if (index >= 0) {
+            m_error = m_end ? ErrNoCurrentRecord : ErrItemNotFound;
+            m_errorText = m_end ? QStringLiteral("No current record.")
+                                : QStringLiteral("Item not found in this collection.");
+        }
+        return QVariant();
+    }
+    return cell(index);
+}
+
 } // namespace tp

@@ -77,85 +77,32 @@ QStringList columnNames(sqlite3_stmt* st)
 class SqliteConnection;
 
 // Rows one at a time, straight from sqlite3_step.
-class SqliteForwardRecordset final : public Recordset {
+class SqliteForwardRecordset final : public ForwardRecordset {
 public:
     SqliteForwardRecordset(std::shared_ptr<Connection> owner, sqlite3* db, sqlite3_stmt* st)
-        : m_owner(std::move(owner)), m_db(db), m_stmt(st), m_names(columnNames(st))
+        : m_owner(std::move(owner)), m_db(db), m_stmt(st)
     {
-        advance();
+        m_names = columnNames(st);
+        start();
     }
     ~SqliteForwardRecordset() override { sqlite3_finalize(m_stmt); }
 
-    RecordsetKind kind() const override { return RecordsetKind::ForwardOnly; }
-    bool atEnd() const override { return m_end; }
-    bool atBegin() const override { return m_seen == 0; }
-    void moveFirst() override
-    {
-        if (m_seen > 1 || m_end)
-            notSupported();
-    }
-    void moveLast() override { notSupported(); }
-    void moveNext() override
-    {
-        if (m_end) {
-            m_error = ErrNoCurrentRecord;
-            m_errorText = QStringLiteral("No current record.");
-            return;
-        }
-        advance();
-    }
-    void movePrevious() override { notSupported(); }
-    qint32 recordCount() const override { return m_seen; }
-    int fieldCount() const override { return int(m_names.size()); }
-    QString fieldName(int index) const override { return m_names.value(index); }
-    int fieldIndex(const QString& name) const override
-    {
-        for (int i = 0; i < m_names.size(); ++i)
-            if (m_names[i].compare(name, Qt::CaseInsensitive) == 0)
-                return i;
-        m_error = ErrItemNotFound;
-        m_errorText = QStringLiteral("Item not found in this collection: %1").arg(name);
-        return -1;
-    }
-    QVariant value(int index) const override
-    {
-        if (m_end || index < 0 || index >= m_names.size()) {
-            if (index >= 0) {
-                m_error = m_end ? ErrNoCurrentRecord : ErrItemNotFound;
-                m_errorText = m_end ? QStringLiteral("No current record.")
-                                    : QStringLiteral("Item not found in this collection.");
-            }
-            return QVariant();
-        }
-        return columnValue(m_stmt, index);
-    }
-
-private:
-    void advance()
+protected:
+    bool fetchNext(DbError& err) override
     {
         const int rc = sqlite3_step(m_stmt);
-        if (rc == SQLITE_ROW) {
-            ++m_seen;
-            return;
-        }
-        m_end = true;
-        if (rc != SQLITE_DONE) {
-            m_error = sqlite3_extended_errcode(m_db);
-            m_errorText = QString::fromUtf8(sqlite3_errmsg(m_db));
-        }
+        if (rc == SQLITE_ROW)
+            return true;
+        if (rc != SQLITE_DONE)
+            setError(m_db, err);
+        return false;
     }
-    void notSupported()
-    {
-        m_error = ErrNotSupported;
-        m_errorText = QStringLiteral("Operation is not supported for this type of object.");
-    }
+    QVariant cell(int index) const override { return columnValue(m_stmt, index); }
 
+private:
     std::shared_ptr<Connection> m_owner;   // keeps the database open while rows stream
     sqlite3* m_db;
     sqlite3_stmt* m_stmt;
-    QStringList m_names;
-    qint32 m_seen = 0;
-    bool m_end = false;
 };
 
 class SqliteConnection final : public Connection {

@@ -368,6 +368,30 @@ TYPED_TEST(DaoTest, ForwardOnlyStreamsRows)
     EXPECT_EQ(this->dao.appError, tp::StatusStat);
 }
 
+// An export looks a name up for every streamed record: other statements between two rows,
+// and more rows than one fetch brings, must not lose or repeat any row.
+TYPED_TEST(DaoTest, ForwardOnlySurvivesStatementsBetweenRows)
+{
+    this->exec(QStringLiteral("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 4500) "
+                              "INSERT INTO Kinds (KindID, Label) SELECT i, 'k' FROM n"));
+    RecordsetPtr rs = this->dao.RecSet_Forward(QStringLiteral("Select KindID from Kinds order by KindID"));
+    ASSERT_TRUE(rs) << this->dao.errorText.toStdString();
+    qint64 expected = 1, rows = 0;
+    while (!rs->atEnd()) {
+        ASSERT_EQ(rs->value(0).toLongLong(), expected++);
+        if (++rows % 700 == 0) {
+            EXPECT_TRUE(this->dao.Records_Exist(QStringLiteral("Select top 1 * from Kinds where KindID = 3")));
+            this->dao.Exec(QStringLiteral("Update Kinds set Label = 'seen' where KindID = 1"));
+            EXPECT_EQ(this->dao.appError, 0) << this->dao.errorText.toStdString();
+        }
+        rs->moveNext();
+    }
+    EXPECT_EQ(rows, 4500);
+    rs.reset();
+    // The connection is still good for the next statement once the stream is gone.
+    EXPECT_EQ(this->dao.Reco_Count(QStringLiteral("Select * from Kinds where Label = 'seen'")), 1);
+}
+
 TYPED_TEST(DaoTest, TransactionsCommitOrRollBack)
 {
     ASSERT_TRUE(this->dao.BeginTrans());
