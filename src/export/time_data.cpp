@@ -185,9 +185,7 @@ QString TimeAssembler::selectSql(const ExportRequest& request, const QString& co
 
 RecordsetPtr TimeAssembler::openSelection(const QString& sql)
 {
-    // A PostgreSQL stream is lost when another statement runs on the connection (a name
-    // look-up, say), so there the rows are read at once.
-    return m_db.isPostgres() ? m_db.RecSet_Stat(sql) : m_db.RecSet_Forward(sql);
+    return m_db.RecSet_Forward(sql);
 }
 
 void TimeAssembler::readFailed(const ExportRequest& request, qint64 index)
