@@ -171,6 +171,19 @@ TEST_F(BatchExport, ReadOnlyFileIsRefusedAndNothingMarked)
     EXPECT_EQ(waiting(), 4);
 }
 
+TEST_F(BatchExport, UnreadableRecordFailsTheRunAndMarksNothing)
+{
+    exec(QStringLiteral("UPDATE JobTimeRecords SET OdometerReading = NULL WHERE NewTimeRecordID = 3"));
+    const BatchRun r = exportTime(QStringLiteral("TimeRecordID,OdometerReading"), QStringLiteral("fault.txt"));
+    EXPECT_EQ(r.exitCode, 1);
+    EXPECT_EQ(r.err, QStringLiteral("Cannot read Time Record(s)\n\n"));
+    EXPECT_EQ(r.out, QStringLiteral("Cannot read Time Record(s). Export unsuccessful\n"));
+    // What was written completely stays, as the window leaves it; nothing is marked.
+    EXPECT_EQ(read(path(QStringLiteral("fault.txt"))),
+              QByteArray("\"TimeRecordID\",\"OdometerReading\"\r\n1,1200\r\n2,1200\r\n"));
+    EXPECT_EQ(waiting(), 4);
+}
+
 TEST_F(BatchExport, GatesRefuseAsTheWindowsDo)
 {
     // User 3 holds none of the export rights.
