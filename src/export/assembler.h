@@ -2,6 +2,8 @@
 // What every export data set offers the Export window, the save flow and the batch tool:
 // availability, count, a first-rows preview, a streamed load and marking as exported.
 // Callers describe the selection with a plain ExportRequest; an assembler holds no window state.
+#include "export/table_keys.h"
+
 #include <QElapsedTimer>
 #include <QString>
 #include <QStringList>
@@ -13,11 +15,6 @@ namespace tp {
 class cDAO;
 class Feedback;
 class Recordset;
-
-inline const QString kTableTime = QStringLiteral("JobTimeRecords");
-inline const QString kTableInventory = QStringLiteral("Inventory");
-inline const QString kTableGps = QStringLiteral("GPSCoordinates");
-inline const QString kTableLocations = QStringLiteral("CommonLocations");
 
 struct ExportRequest {
     QString table;              // msTableSelected: kTableTime, ...

@@ -1,6 +1,8 @@
 #pragma once
 // The export data sets: what the list offers, the key each one selects, and the fields
 // each one can write.
+#include "export/table_keys.h"
+
 #include <QString>
 #include <QStringList>
 #include <vector>
@@ -32,11 +34,6 @@ struct ExportDataSet {
 
     int fieldCount() const { return static_cast<int>(fields.size()); }
 };
-
-inline const QString kTableTime = QStringLiteral("JobTimeRecords");
-inline const QString kTableInventory = QStringLiteral("Inventory");
-inline const QString kTableGps = QStringLiteral("GPSCoordinates");
-inline const QString kTableLocations = QStringLiteral("CommonLocations");
 
 inline const QString kListTime = QStringLiteral("Time Data");
 inline const QString kListInventory = QStringLiteral("Inventory Data");

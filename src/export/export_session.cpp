@@ -25,6 +25,8 @@ bool ExportSession::selectDataSet(const QString& listText)
     mlExportID = 0;
     SelectionMode = QStringLiteral("All");
     m_dataSet = set;
+    m_assembler.reset();
+    resetSelection();
     FieldCount = set->fieldCount();
     msTableSelected = set->tableKey;
     if (set->loadBeforeCheck) {

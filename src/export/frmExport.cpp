@@ -163,6 +163,7 @@ void frmExport::buildControls()
     m_preview = new ui::GridAdapter(previewTextFile);
     m_preview->setMaxCols(1);
     previewTextFile->horizontalHeader()->setStretchLastSection(true);
+    previewTextFile->horizontalHeader()->hide();   // one column of whole lines: no title
     previewTextFile->hide();
 
     m_actionBar = new QWidget(this);
@@ -220,7 +221,8 @@ void frmExport::buildControls()
     });
     // Typing reaches the grid only after a click into the "Text File Header" column.
     m_fields->setKeyFilter([this](const QKeyEvent&) { return m_lastFieldColumn == 5; });
-    connect(cmdCancelClose, &QPushButton::clicked, this, &frmExport::cancelCloseClicked);
+    connectSelectionHandlers();
+    connectOutputHandlers();
 }
 
 void frmExport::load()
@@ -242,6 +244,8 @@ void frmExport::load()
 
 bool frmExport::eventFilter(QObject* watched, QEvent* event)
 {
+    if (dateBoxEvent(watched, event))
+        return true;
     if (watched == lstTables && event->type() == QEvent::KeyPress) {
         const int key = static_cast<QKeyEvent*>(event)->key();
         if (key == Qt::Key_Return || key == Qt::Key_Enter) {
@@ -264,15 +268,6 @@ void frmExport::done(int result)
 {
     m_feedback->busy(false);
     QDialog::done(result);
-}
-
-void frmExport::cancelCloseClicked()
-{
-    if (cmdCancelClose->text() == QLatin1String("Close")) {
-        m_session.reset();
-        m_currentFieldColumn = m_currentFieldRow = 0;
-        accept();
-    }
 }
 
 } // namespace tp

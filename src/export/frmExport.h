@@ -1,6 +1,8 @@
 #pragma once
 // The Export window. This file and frmExport.cpp build the window; frmExport_fields.cpp
-// holds the data-set choice and the field selection.
+// holds the data-set choice and the field selection, frmExport_selection.cpp the record
+// selection, the calendar and the scan, frmExport_output.cpp the formats, the preview, the
+// file and the Cancel/Close button.
 #include "export/export_session.h"
 #include "ui/file_dialog.h"
 #include "ui/grid_adapter.h"
@@ -56,6 +58,25 @@ public:
 
     int lastFieldColumn() const { return m_lastFieldColumn; }
 
+    // Record selection and scan (frmExport_selection.cpp).
+    void SelectAllRecords();
+    void SelectRecordsByDate();
+    void PickStartDate();
+    void PickStopDate();
+    void ScanDatabase();
+
+    // Formats, preview, file, Cancel and Close (frmExport_output.cpp).
+    void FormatDateClicked();
+    void FormatTimeClicked();
+    void PreviewExport();
+    void CreateExportFile();
+    void CancelExport();
+    void CloseExportWindow();
+
+    // The date handed to and back from the calendar, "MM/DD/YYYY"; emptied after use.
+    QString CalendarResult;
+    QString CalendarPurpose;
+
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
     void done(int result) override;
@@ -69,6 +90,16 @@ private:
     void ToggleField(int column, int row, int buttonDown);
     void resetSelectionControls();
     void cancelCloseClicked();
+    void previewExportClicked();
+    void connectSelectionHandlers();
+    void connectOutputHandlers();
+    // A click into a date box opens the calendar as its button does; true when handled.
+    bool dateBoxEvent(QObject* watched, QEvent* event);
+    // Shows the calendar for CalendarPurpose; the picked day is left in CalendarResult.
+    void showCalendar();
+    // The controls as the Cancel button leaves them (the status is left to the caller).
+    void applyCancelledControls();
+    void setDateBoxesPicking(bool picking);
 
     // Declared before the session, which reports through it.
     std::unique_ptr<ui::QtFeedback> m_feedback;
@@ -109,6 +140,9 @@ private:
     int m_currentFieldColumn = 0;
     int m_currentFieldRow = 0;
     quint64 m_shownGridRevision = ~quint64(0);
+    // Calendar flags: while hidden is true, closing the calendar leaves the result alone.
+    bool mbFrmCalendarHidden = false;
+    bool CancelFlag = true;
 };
 
 } // namespace tp

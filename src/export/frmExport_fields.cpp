@@ -149,6 +149,7 @@ void frmExport::ToggleField(int column, int row, int buttonDown)
 
 void frmExport::resetSelectionControls()
 {
+    m_session.resetSelection();
     cmdFormatDate->setText(QStringLiteral("Format Date"));
     cmdFormatTime->setText(QStringLiteral("Format Time"));
     cmdOK->setEnabled(false);
