@@ -4,6 +4,10 @@
 
 #include <cstdio>
 
+namespace tp {
+class ExportSession;
+}
+
 namespace tp::batch {
 
 class ConsoleFeedback;
@@ -14,6 +18,11 @@ int exportCommand(const Options& options, ConsoleFeedback& feedback, std::FILE* 
 
 // Checks its options, the start-up and the Import gate; importing itself is not built yet.
 int importCommand(const Options& options, ConsoleFeedback& feedback, std::FILE* out);
+
+// With the data set chosen and its fields ticked: selects the records, scans, formats and
+// writes the file as "Create File" does.
+int selectScanAndSave(ExportSession& session, const Options& options, ConsoleFeedback& feedback,
+                      std::FILE* out);
 
 // Prints the last status text (if any) as the run's last word on out; returns status.
 int finishWithStatus(ConsoleFeedback& feedback, std::FILE* out, int status);

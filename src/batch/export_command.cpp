@@ -1,6 +1,5 @@
 #include "batch/batch_commands.h"
 
-#include "batch/batch_export.h"
 #include "batch/batch_startup.h"
 #include "batch/console_feedback.h"
 #include "export/export_session.h"
@@ -76,24 +75,12 @@ int exportCommand(const Options& options, ConsoleFeedback& feedback, std::FILE* 
     // Ticked one after the other, as the clicks would: each tick is the next field order.
     for (const FieldChoice& choice : options.fields) {
         const int row = session.fieldRow(choice.name);
-        if (row == 0 || !session.toggleField(row, true))
+        if (row == 0 || !session.tickField(row, true))
             return usageError(QStringLiteral("%1 cannot be ticked").arg(choice.name));
         if (choice.header)
             session.setHeaderText(row, *choice.header);
-        session.clearRecordGridHeaders();
-        session.clearRecordGrid();
-        session.clearRowBuffer();
-        session.applyFieldSelection();
     }
-    if (options.byDate())
-        session.SelectionMode = QStringLiteral("Date");
-
-    ExportChoices choices;
-    choices.table = session.msTableSelected;
-    choices.exportId = session.mlExportID;
-    for (const ExportSession::OutputField& f : session.outputFields())
-        choices.columns.push_back({f.name, f.type, f.header});
-    return scanAndSave(choices, options, feedback, session.CancelRequested, out);
+    return selectScanAndSave(session, options, feedback, out);
 }
 
 } // namespace tp::batch

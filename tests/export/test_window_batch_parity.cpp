@@ -1,0 +1,102 @@
+// The window and tallyport-batch, given the same choices on the same records, write the same
+// bytes and mark the same records.
+#include "export_window_fixture.h"
+
+#include <QProcess>
+#include <QProcessEnvironment>
+
+namespace tp::test {
+namespace {
+
+const auto* const kParityGui = ::testing::AddGlobalTestEnvironment(new GuiEnvironment);
+
+class WindowBatchParity : public ExportFlowTest {
+protected:
+    // id:Approved:ExportID of every time record, in id order.
+    QString marks()
+    {
+        cDAO db;
+        if (!db.DB_Connect(site.databaseFile(), QString(), QStringLiteral("Admin"), QString()))
+            return QStringLiteral("cannot open");
+        QStringList rows;
+        RecordsetPtr rs = db.RecSet_Forward(QStringLiteral(
+            "Select NewTimeRecordID, Approved, ExportID from JobTimeRecords order by NewTimeRecordID"));
+        for (; rs && !rs->atEnd(); rs->moveNext())
+            rows << QStringLiteral("%1:%2:%3").arg(rs->value(0).toLongLong()).arg(rs->value(1).toInt())
+                        .arg(rs->value(2).toInt());
+        if (rs)
+            db.RS_Close(rs);
+        db.DB_Close();
+        return rows.join(QLatin1Char(' '));
+    }
+
+    int runBatch(const QStringList& arguments)
+    {
+        QProcess process;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert(QStringLiteral("TALLYPORT_SETTINGS_DIR"), site.settingsFolder());
+        process.setProcessEnvironment(env);
+        process.start(QStringLiteral(TP_BINARY_DIR "/tallyport-batch"), arguments);
+        if (!process.waitForFinished(60000)) {
+            process.kill();
+            return -1;
+        }
+        batchErr = QString::fromLocal8Bit(process.readAllStandardError());
+        return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+    }
+
+    QString batchErr;
+};
+
+TEST_F(WindowBatchParity, DateRangeWithEditedHeaderAndFormatsGivesTheSameFileAndMarks)
+{
+    addTimes({{1, 20050110, 93000}, {2, 20050115, 143005}, {3, 20050115, 5}, {4, 20050120, 120000},
+              {5, 20050125}, {6, 20050118, 80000, 9001, 0}, {7, 20050119, 80000, 9002}});
+    const QString before = marks();
+
+    openTimeData();
+    tick({5, 6, 7, 1});   // EmployeeLastName, Date, Time, TimeRecordID
+    fieldGrid()->item(0, 4)->setText(QStringLiteral("Emp \"ID\""));
+    press("cmdDate");
+    pickDate(button("cmdStart"), 2005, 1, 15);
+    pickDate(button("cmdStop"), 2005, 1, 20);
+    press("cmdOK");
+    press("cmdFormatDate");
+    press("cmdFormatTime");
+    press("cmdPreviewExport");
+    const QString windowFile = outFile(QStringLiteral("window.txt"));
+    dialogs.names.push_back(windowFile);
+    press("cmdPreviewExport");
+    ASSERT_EQ(status(), QStringLiteral("Export Completed Successfully"));
+    const QByteArray windowBytes = readBytes(windowFile);
+    const QString windowMarks = marks();
+    ASSERT_NE(windowMarks, before);
+    window.reset();
+
+    // Back to the records as they were, then the same choices on the command line.
+    ASSERT_TRUE(site.exec(QStringLiteral("Update JobTimeRecords set Approved = 1, ExportID = 0 "
+                                         "where NewTimeRecordID <> 6")));
+    ASSERT_EQ(marks(), before);
+    const QString batchFile = outFile(QStringLiteral("batch.txt"));
+    ASSERT_EQ(runBatch({QStringLiteral("export"), QStringLiteral("--settings"), QStringLiteral("KRV.ini"),
+                        QStringLiteral("--user"), QStringLiteral("1"), QStringLiteral("--dataset"),
+                        QStringLiteral("Time Data"), QStringLiteral("--fields"),
+                        QStringLiteral("EmployeeLastName,Date,Time,TimeRecordID=Emp \"ID\""),
+                        QStringLiteral("--from"), QStringLiteral("01/15/2005"), QStringLiteral("--to"),
+                        QStringLiteral("01/20/2005"), QStringLiteral("--format-date"),
+                        QStringLiteral("--format-time"), QStringLiteral("--output"), batchFile}),
+              0)
+        << batchErr.toStdString();
+    EXPECT_EQ(readBytes(batchFile), windowBytes);
+    EXPECT_EQ(marks(), windowMarks);
+    // Inclusive at both ends, in date order; the unapproved record stays out and an
+    // employee without a name row reads "Unknown".
+    EXPECT_EQ(windowBytes, QByteArray("\"EmployeeLastName\",\"Date\",\"Time\",\"Emp \"ID\"\"\r\n"
+                                      "\"O'Hara\",\"01/15/2005\",\"14:30:05\",2\r\n"
+                                      "\"O'Hara\",\"01/15/2005\",\"00:00:05\",3\r\n"
+                                      "\"Unknown\",\"01/19/2005\",\"8:00:00\",7\r\n"
+                                      "\"O'Hara\",\"01/20/2005\",\"12:00:00\",4\r\n"));
+}
+
+} // namespace
+} // namespace tp::test
