@@ -24,12 +24,26 @@ if ! ls src/startup/frmFirst* >/dev/null 2>&1 || [ ! -x build/tallyport ]; then
     echo "Later: TALLYPORT_SETTINGS_DIR=$TALLYPORT_SETTINGS_DIR build/tallyport \"$command_line\""
     exit 0
 fi
+# What a payroll office's nightly job does: a batch export of the first week of waiting time
+# records of the demo data (the rest stay for the window). The file is Windows-1252 with CRLF line ends.
+batch_file=$PWD/demo/batch-time.txt
+echo
+echo "Batch export of the week 01/15/2024 to 01/19/2024 into $batch_file:"
+if build/tallyport-batch export --settings "$settings_file" --user "$user_id" --dataset "Time Data" \
+        --fields EmployeeNumber=Emp,EmployeeLastName,Date,Time,CustomerNumber,IsJobInRecord \
+        --from 01/15/2024 --to 01/19/2024 --format-date --format-time --output "$batch_file" --yes; then
+    echo "First lines of the file:"
+    head -n 6 "$batch_file" | iconv -f WINDOWS-1252 -t UTF-8 | tr -d '\r'
+else
+    echo "(the batch export did not run for user $user_id; see the text above)"
+fi
+
 if [ -z "${DISPLAY:-}" ] && [ -z "${WAYLAND_DISPLAY:-}" ]; then
     echo
     echo "No display: running the program under Xvfb and saving pictures of its windows:"
     export XDG_RUNTIME_DIR=${XDG_RUNTIME_DIR:-$(mktemp -d "${TMPDIR:-/tmp}/tallyport-xdg.XXXXXX")}
     xvfb-run -a -s "-screen 0 1280x1024x24" \
-        build/tallyport --screenshots "$PWD/build/screenshots" "$command_line"
+        build/tallyport --screenshots "$PWD/demo/screenshots" "$command_line"
     echo "With a display, run:  TALLYPORT_SETTINGS_DIR=$TALLYPORT_SETTINGS_DIR build/tallyport \"$command_line\""
     exit 0
 fi

@@ -45,9 +45,18 @@ QStringList frmFirst::saveScreenshots(const QString& folder)
     frmExport window(*db, this, prompts, fileDialog);
     save(&window, dir.filePath(QStringLiteral("export-window-list.png")), written);
     if (window.chooseDataSet(QStringLiteral("Time Data"))) {
-        for (int row : {2, 5, 6})
+        for (int row : {2, 5, 6, 7})
             window.clickFieldBox(row, true);
         save(&window, dir.filePath(QStringLiteral("export-window.png")), written);
+        // Scanned, dates and times formatted, previewed; no file is written.
+        window.SelectAllRecords();
+        window.ScanDatabase();
+        save(&window, dir.filePath(QStringLiteral("export-window-scan.png")), written);
+        window.FormatDateClicked();
+        window.FormatTimeClicked();
+        window.PreviewExport();
+        save(&window, dir.filePath(QStringLiteral("export-window-preview.png")), written);
+        window.CancelExport();
     }
     window.close();
     return written;

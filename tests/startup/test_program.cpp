@@ -47,12 +47,12 @@ TEST_F(Program, ScreenshotModeSavesTheWindows)
     ASSERT_EQ(run({QStringLiteral("--screenshots"), shots.path(), QStringLiteral("x,KRV.ini,true,1")}, &out, &err), 0)
         << err.toStdString();
     const QStringList files = out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-    ASSERT_EQ(files.size(), 4) << out.toStdString();
+    ASSERT_EQ(files.size(), 6) << out.toStdString();
     for (const QString& file : files) {
         EXPECT_TRUE(file.startsWith(shots.path()));
         EXPECT_GT(QFileInfo(file).size(), 1000) << file.toStdString();
     }
-    EXPECT_TRUE(files.last().endsWith(QStringLiteral("export-window.png")));
+    EXPECT_TRUE(files.last().endsWith(QStringLiteral("export-window-preview.png")));
 }
 
 TEST_F(Program, FatalStartUpEndsWithAFailureStatus)
