@@ -26,7 +26,7 @@ QString numberText(const QVariant& v)
     return v.toString().trimmed();
 }
 
-enum class Row { Found, Missing, Failed };
+enum class Row { Found, Missing, Failed, NoTrack };
 
 // Opens sql and copies the first row's values of columns; the recordset is closed again.
 Row firstValue(cDAO& db, const QString& sql, const QStringList& columns, QVariantList& values)
@@ -58,6 +58,20 @@ Row trackRow(cDAO& db, qint32 trackId, const QString& column, QString& number)
     return r;
 }
 
+// The track's numberColumn (into number), then the first row that select (with %1 for that
+// number) finds. NoTrack: the track has no row.
+Row trackedRow(cDAO& db, qint32 trackId, const QString& numberColumn, QString& number,
+               const QString& select, const QStringList& columns, QVariantList& values)
+{
+    const Row track = trackRow(db, trackId, numberColumn, number);
+    if (track != Row::Found)
+        return track == Row::Missing ? Row::NoTrack : Row::Failed;
+    const auto literal = sql::wholeNumber(number);
+    if (!literal)
+        return Row::Failed;
+    return firstValue(db, select.arg(*literal), columns, values);
+}
+
 } // namespace
 
 QString GetEmployeeInfoFromTrackID(cDAO& db, Feedback& feedback, qint32 trackId,
@@ -75,24 +89,16 @@ QString GetEmployeeInfoFromTrackID(cDAO& db, Feedback& feedback, qint32 trackId,
     };
 
     QString number;
-    const Row track = trackRow(db, trackId, QStringLiteral("EmployeeNumber"), number);
-    if (track == Row::Failed)
-        return failed();
-    if (track == Row::Missing)
-        return kTrackLookupError;
-
-    const auto literal = sql::wholeNumber(number);
-    if (!literal)
-        return failed();
     QVariantList v;
-    const Row employee = firstValue(
-        db,
-        QStringLiteral("SELECT EmployeeInfo.* ") + QStringLiteral("FROM EmployeeInfo ") +
-            QStringLiteral("WHERE EmployeeNumber   = ") + *literal +
-            QStringLiteral(" ORDER BY EmployeeInfo.EmployeeNumber"),
+    const Row employee = trackedRow(
+        db, trackId, QStringLiteral("EmployeeNumber"), number,
+        QStringLiteral("SELECT EmployeeInfo.* FROM EmployeeInfo WHERE EmployeeNumber   = %1 "
+                       "ORDER BY EmployeeInfo.EmployeeNumber"),
         {QStringLiteral("LastName"), QStringLiteral("FirstName"), QStringLiteral("MI"),
          QStringLiteral("Name")},
         v);
+    if (employee == Row::NoTrack)
+        return kTrackLookupError;
     if (employee == Row::Failed)
         return failed();
     QString name;
@@ -121,22 +127,14 @@ QString GetVehicleInfoFromTrackID(cDAO& db, qint32 trackId, QString* trackerSeri
         return kTrackLookupError;
     };
     QString number;
-    const Row track = trackRow(db, trackId, QStringLiteral("VehicleNumber"), number);
-    if (track == Row::Failed)
-        return failed();
-    if (track == Row::Missing)
-        return kTrackLookupError;
-
-    const auto literal = sql::wholeNumber(number);
-    if (!literal)
-        return failed();
     QVariantList v;
-    const Row vehicle = firstValue(
-        db,
-        QStringLiteral("SELECT VehicleInfo.*  ") + QStringLiteral("FROM VehicleInfo ") +
-            QStringLiteral("WHERE VehicleNumber = ") + *literal +
-            QStringLiteral(" ORDER BY VehicleInfo.VehicleNumber"),
+    const Row vehicle = trackedRow(
+        db, trackId, QStringLiteral("VehicleNumber"), number,
+        QStringLiteral("SELECT VehicleInfo.*  FROM VehicleInfo WHERE VehicleNumber = %1 "
+                       "ORDER BY VehicleInfo.VehicleNumber"),
         {QStringLiteral("TrackerSerialNumber")}, v);
+    if (vehicle == Row::NoTrack)
+        return kTrackLookupError;
     if (vehicle == Row::Failed)
         return failed();
     QString serial = vehicle == Row::Found ? text(v.value(0)) : QString();

@@ -35,10 +35,9 @@ public:
     int queriesRun() const { return m_queries; }
 
 private:
-    enum class Row { Found, Missing, Failed };
-    // Runs sql and copies the named columns of its first row into values (null -> "").
-    Row firstRow(const QString& sql, const QStringList& columns, QStringList& values);
-    void failed(const QString& message);
+    // The named columns of the first row of sql (null -> ""); empty when there is no row or
+    // the query failed, a failure being told with failMessage.
+    QStringList firstRow(const QString& sql, const QStringList& columns, const QString& failMessage);
 
     cDAO& m_db;
     Feedback& m_feedback;
