@@ -50,12 +50,14 @@ qint16 waitingRecords(cDAO& db, Feedback& feedback, const QString& table, qint32
     return failed(feedback, errorText, withDetail ? db.errorText : QString());
 }
 
-} // namespace
-
-qint16 LocationRecordsAvailable(cDAO& db, Feedback& feedback)
+// Whether table holds any row at all. clearStatus: a found row also empties the status bar.
+qint16 anyRow(cDAO& db, Feedback& feedback, const QString& table, bool clearStatus,
+              const QString& errorText)
 {
-    switch (probe(db, QStringLiteral("Select top 1 * from CommonLocations"))) {
+    switch (probe(db, QStringLiteral("Select top 1 * from ") + table)) {
     case Found::Yes:
+        if (clearStatus)
+            feedback.status(QString());
         feedback.busy(false);
         return 1;
     case Found::No:
@@ -65,25 +67,20 @@ qint16 LocationRecordsAvailable(cDAO& db, Feedback& feedback)
     case Found::Failed:
         break;
     }
-    return failed(feedback, kErrorLocations, db.errorText);
+    return failed(feedback, errorText, db.errorText);
+}
+
+} // namespace
+
+qint16 LocationRecordsAvailable(cDAO& db, Feedback& feedback)
+{
+    return anyRow(db, feedback, QStringLiteral("CommonLocations"), false, kErrorLocations);
 }
 
 qint16 GpsPointsAvailable(cDAO& db, Feedback& feedback)
 {
     feedback.busy(true);
-    switch (probe(db, QStringLiteral("Select top 1 * from GPSCoordinates"))) {
-    case Found::Yes:
-        feedback.status(QString());
-        feedback.busy(false);
-        return 1;
-    case Found::No:
-        feedback.status(kNoRecordsAvailable);
-        feedback.busy(false);
-        return 0;
-    case Found::Failed:
-        break;
-    }
-    return failed(feedback, kErrorGps, db.errorText);
+    return anyRow(db, feedback, QStringLiteral("GPSCoordinates"), true, kErrorGps);
 }
 
 qint16 TimeRecordsAvailable(cDAO& db, Feedback& feedback, qint32 exportId, qint32& exportRecordCount)
