@@ -4,6 +4,8 @@
 #include "foundation/dao.h"
 #include "foundation/log.h"
 
+#include <QCoreApplication>
+
 namespace tp {
 
 namespace {
@@ -32,6 +34,13 @@ cDAO* SharedDatabase()
 void setSharedDatabase(std::unique_ptr<cDAO> db)
 {
     g_database = std::move(db);
+    // The database driver's registry is gone by the time statics are destroyed: close the
+    // shared connection with the application instead.
+    static bool closeWithApplication = false;
+    if (g_database && !closeWithApplication && QCoreApplication::instance()) {
+        qAddPostRoutine([] { g_database.reset(); });
+        closeWithApplication = true;
+    }
 }
 
 bool IsKrvSettings()
