@@ -1,6 +1,7 @@
 #pragma once
 // Runs the built tallyport-batch against a demo site whose time records the test controls.
 #include "support/demo_site.h"
+#include "support/programs.h"
 
 #include <QByteArray>
 #include <QString>
@@ -10,11 +11,7 @@
 
 namespace tp::test {
 
-struct BatchRun {
-    int exitCode = -1;
-    QString out;   // standard output
-    QString err;   // standard error
-};
+using BatchRun = ProgramRun;
 
 class BatchTest : public ::testing::Test {
 protected:
@@ -27,19 +24,16 @@ protected:
     BatchRun exportTime(const QString& fields, const QString& file,
                         const QStringList& extra = {}, const QString& user = QStringLiteral("2")) const;
 
-    void exec(const QString& sql);
-    qint64 scalar(const QString& sql) const;
-    // "Approved/ExportID" of one record, e.g. "2/1".
+    void exec(const QString& sql) { ASSERT_TRUE(site.exec(sql)) << sql.toStdString(); }
+    // "Approved:ExportID" of one record, e.g. "2:1".
     QString marks(qint64 id) const;
     qint64 waiting() const;
-    // Inserts a waiting time record.
-    void addTime(qint64 id, qint32 employee, qint32 date, qint32 time, bool jobIn = false,
-                 int approved = 1, int exportId = 0);
-    // n more waiting records of employee 9002, ids from firstId.
+    // Waits again: the records SetUp made waiting, after an export marked them.
+    void unmark() { exec("UPDATE JobTimeRecords SET Approved = 1, ExportID = 0 WHERE NewTimeRecordID IN (1, 2, 3, 5)"); }
+    // n more waiting records of employee 9002 on 02/01/2024, ids from firstId.
     void addMany(int n, qint64 firstId);
 
-    QString path(const QString& name) const;
-    static QByteArray read(const QString& file);
+    QString path(const QString& name) const { return outDir.filePath(name); }
 
     // The waiting records made by SetUp: ids 1, 2, 3 and 5.
     static QByteArray expectedDefaultFile();   // Windows-1252

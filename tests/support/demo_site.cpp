@@ -5,6 +5,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <gtest/gtest.h>
 
 namespace tp::test {
 
@@ -73,6 +74,36 @@ bool DemoSite::exec(const QString& sql)
     const bool ok = db.appError == 0;
     db.DB_Close();
     return ok;
+}
+
+QString DemoSite::rows(const QString& sql) const
+{
+    cDAO db;
+    if (!db.DB_Connect(databaseFile(), QString(), QStringLiteral("Admin"), QString()))
+        return QStringLiteral("<cannot open>");
+    QStringList out;
+    RecordsetPtr rs = db.RecSet_Forward(sql);
+    if (!rs)
+        out << QStringLiteral("<") + db.errorText + QStringLiteral(">");
+    for (; rs && !rs->atEnd(); rs->moveNext()) {
+        QStringList row;
+        for (int c = 0; c < rs->fieldCount(); ++c)
+            row << rs->value(c).toString();
+        out << row.join(QLatin1Char(':'));
+    }
+    if (rs)
+        db.RS_Close(rs);
+    db.DB_Close();
+    return out.join(QLatin1Char(' '));
+}
+
+qint64 DemoSite::scalar(const QString& sql) const
+{
+    bool number = false;
+    const qint64 value = rows(sql).section(QLatin1Char(' '), 0, 0).section(QLatin1Char(':'), 0, 0).toLongLong(&number);
+    if (!number)
+        ADD_FAILURE() << sql.toStdString() << " gave " << rows(sql).toStdString();
+    return number ? value : -1;
 }
 
 } // namespace tp::test

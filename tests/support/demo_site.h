@@ -22,6 +22,10 @@ public:
 
     // Runs a statement on the database with a connection of its own.
     bool exec(const QString& sql);
+    // Reads with a connection of its own: every row's columns joined by ':', rows by ' '.
+    QString rows(const QString& sql) const;
+    // The first column of the first row; -1 (and a test failure) when there is none.
+    qint64 scalar(const QString& sql) const;
 
 private:
     QTemporaryDir m_dir;
