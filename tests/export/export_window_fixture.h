@@ -10,6 +10,7 @@
 #include "support/demo_site.h"
 #include "support/foundation_fixture.h"
 #include "support/gui_app.h"
+#include "support/time_rows.h"
 #include "ui/window_support.h"
 
 #include <QCalendarWidget>
@@ -49,19 +50,12 @@ protected:
     // Adds the rows in one statement.
     void addTimes(const std::vector<WaitingTime>& rows)
     {
-        QStringList values;
+        std::vector<TimeRow> timeRows;
         for (const WaitingTime& r : rows)
-            values << QStringLiteral("(%1, %2, 7, %3, %4, 300, 1, 0, 0, 0, 1250, %5, %6)")
-                          .arg(r.id)
-                          .arg(r.employee)
-                          .arg(r.date)
-                          .arg(r.time)
-                          .arg(r.approved)
-                          .arg(r.exportId);
-        ASSERT_TRUE(site.exec(QStringLiteral(
-            "Insert into JobTimeRecords (NewTimeRecordID, EmployeeNumber, VehicleBlock, Date, "
-            "Time, CustomerNumber, IsJobInRecord, IsTimeInRecord, IsJobOutRecord, "
-            "IsTimeOutRecord, OdometerReading, Approved, ExportID) values ") + values.join(QLatin1Char(','))));
+            timeRows.push_back({.id = r.id, .employee = r.employee, .vehicle = 7, .date = r.date, .time = r.time,
+                                .jobIn = 1, .timeOut = 0, .odometer = QStringLiteral("1250"),
+                                .approved = r.approved, .exportId = r.exportId});
+        ASSERT_TRUE(site.exec(insertTimeRows(timeRows)));
     }
     // n waiting records with ids from firstId, on date, times 80000 upward.
     void addWaiting(int n, qint64 firstId = 1, qint32 date = 20050131)
@@ -163,19 +157,7 @@ protected:
         return offered;
     }
 
-    qint64 scalar(const QString& sql)
-    {
-        cDAO db;
-        if (!db.DB_Connect(site.databaseFile(), QString(), QStringLiteral("Admin"), QString()))
-            return -1;
-        RecordsetPtr rs = db.RecSet_Forward(sql);
-        const qint64 v = rs && !rs->atEnd() ? rs->value(0).toLongLong() : -1;
-        if (rs)
-            db.RS_Close(rs);
-        db.DB_Close();
-        return v;
-    }
-    qint64 markedCount() { return scalar(QStringLiteral("Select count(*) from JobTimeRecords where Approved = 2")); }
+    qint64 markedCount() { return site.scalar(QStringLiteral("Select count(*) from JobTimeRecords where Approved = 2")); }
 
     QString outFile(const QString& name) const { return QDir(out.path()).filePath(name); }
 

@@ -1,6 +1,7 @@
 // Typing, number forms, line and preview texts, and the bytes the file writer leaves.
 #include "export/export_values.h"
 #include "export/export_writer.h"
+#include "support/foundation_fixture.h"
 
 #include <QDir>
 #include <QFile>
@@ -10,47 +11,32 @@
 namespace tp {
 namespace {
 
-QByteArray bytesOf(const QString& file)
-{
-    QFile f(file);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<missing>");
-}
+QByteArray bytesOf(const QString& file) { return test::readBytes(file); }
 
 TEST(TypeValue, NumberBooleanDateAndTextRules)
 {
-    ExportValue v = TypeValue("007", "Number");
-    EXPECT_EQ(v.kind, ExportValue::Number);
-    EXPECT_EQ(v.number, 7.0);
-    v = TypeValue(" -12.50 ", "NUMBER");
-    EXPECT_EQ(v.kind, ExportValue::Number);
-    EXPECT_EQ(v.number, -12.5);
-    EXPECT_EQ(TypeValue(".5", "number").number, 0.5);
-    EXPECT_EQ(TypeValue("+3", "Number").number, 3.0);
-
-    // Not numeric, or numeric in a column of another type: text.
-    for (const char* s : {"", "01/31/2005", "09:30:00", "1e5", "1,5", "12a", "-", ".", "Unknown"})
-        EXPECT_EQ(TypeValue(s, "Number").kind, ExportValue::Text) << s;
-    EXPECT_EQ(TypeValue("17", "Text").kind, ExportValue::Text);
-
-    v = TypeValue("True", "Boolean");
-    EXPECT_EQ(v.kind, ExportValue::Truth);
-    EXPECT_TRUE(v.truth);
-    v = TypeValue("False", "boolean");
-    EXPECT_EQ(v.kind, ExportValue::Truth);
-    EXPECT_FALSE(v.truth);
-    EXPECT_EQ(TypeValue("True", "Text").kind, ExportValue::Text);
-    EXPECT_EQ(TypeValue("true", "Boolean").kind, ExportValue::Text);
-    EXPECT_EQ(TypeValue("-1", "Boolean").kind, ExportValue::Text);
-
-    v = TypeValue("01/31/2005", "Date");
-    ASSERT_EQ(v.kind, ExportValue::Date);
-    EXPECT_EQ(exportLineText({v}), QStringLiteral("#2005-01-31#\r\n"));
-    v = TypeValue("1/31/2005 14:05:00", "DATE");
-    EXPECT_EQ(exportLineText({v}), QStringLiteral("#2005-01-31 14:05:00#\r\n"));
-    EXPECT_EQ(TypeValue("20050131", "Date").kind, ExportValue::Text);
-    EXPECT_EQ(TypeValue("not a date", "Date").kind, ExportValue::Text);
-    // More digits than a double holds: kept as written.
-    EXPECT_EQ(TypeValue(QString(400, '9'), "Number").kind, ExportValue::Text);
+    // Each value typed and written alone on a line.
+    const std::pair<QString, const char*> numbers[] = {
+        {"007", "7"}, {" -12.50 ", "-12.5"}, {".5", "0.5"}, {"+3", "3"}};
+    for (const auto& [text, written] : numbers) {
+        const ExportValue v = TypeValue(text, "NUMBER");
+        EXPECT_EQ(v.kind, ExportValue::Number) << text.toStdString();
+        EXPECT_EQ(exportLineText({v}), QLatin1String(written) + "\r\n");
+    }
+    const std::tuple<QString, const char*, QString> others[] = {
+        {"True", "Boolean", "#TRUE#"}, {"False", "boolean", "#FALSE#"},
+        {"01/31/2005", "Date", "#2005-01-31#"}, {"1/31/2005 14:05:00", "DATE", "#2005-01-31 14:05:00#"},
+        // Not numeric, or not the exact form of its type: text.
+        {"", "Number", "\"\""}, {"01/31/2005", "Number", "\"01/31/2005\""}, {"1e5", "Number", "\"1e5\""},
+        {"1,5", "Number", "\"1,5\""}, {"12a", "Number", "\"12a\""}, {"-", "Number", "\"-\""},
+        {".", "Number", "\".\""}, {"09:30:00", "Number", "\"09:30:00\""}, {"17", "Text", "\"17\""},
+        {"True", "Text", "\"True\""}, {"true", "Boolean", "\"true\""}, {"-1", "Boolean", "\"-1\""},
+        {"20050131", "Date", "\"20050131\""}, {"not a date", "Date", "\"not a date\""},
+        // More digits than a double holds: kept as written.
+        {QString(400, '9'), "Number", '"' + QString(400, '9') + '"'}};
+    for (const auto& [text, type, written] : others)
+        EXPECT_EQ(exportLineText({TypeValue(text, type)}), written + "\r\n")
+            << text.toStdString() << " as " << type;
 }
 
 TEST(ExportNumber, ShortestFormWithAtMostFifteenDigits)

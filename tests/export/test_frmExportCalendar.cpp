@@ -69,16 +69,6 @@ protected:
         ASSERT_NE(b, nullptr);
         click(b, b->rect().center());
     }
-    void addTimeOn(qint64 id, qint32 date, int approved = 1, int exportId = 0)
-    {
-        TimeRow r;
-        r.id = id;
-        r.date = date;
-        r.approved = approved;
-        r.exportId = exportId;
-        addTime(r);
-    }
-
     CalendarContext context;
     QString result;
     bool cancelFlag = true;
@@ -125,6 +115,10 @@ TEST_F(CalendarWindow, OnlyDaysWithWaitingTimeRecordsAreEnabled)
     addTimeOn(7, 20040229);
     auto w = open(kStart, kTime, QStringLiteral("03/20/2004"));
     EXPECT_EQ(enabledDays(w.get()), (std::vector<int>{5, 31}));
+    calendar(w.get())->setCurrentPage(2004, 2);
+    EXPECT_EQ(enabledDays(w.get()), (std::vector<int>{29}));
+    calendar(w.get())->setCurrentPage(2004, 5);
+    EXPECT_TRUE(enabledDays(w.get()).empty());
 
     context.exportId = 1;
     auto other = open(kStart, kTime, QStringLiteral("03/20/2004"));

@@ -1,50 +1,23 @@
 // The Export window's first stage driven headless: the data-set list per user and settings
 // file, the choice of a data set, ticking fields, header texts and the record grid columns.
-#include "export/frmExport.h"
-#include "foundation/dao.h"
-#include "foundation/globals.h"
-#include "startup/startup.h"
-#include "support/demo_site.h"
-#include "support/foundation_fixture.h"
-#include "support/gui_app.h"
+#include "export_window_fixture.h"
 
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QPushButton>
-#include <QTableWidget>
-#include <gtest/gtest.h>
-#include <memory>
-
-namespace tp {
+namespace tp::test {
 namespace {
 
-const auto* const kGui = ::testing::AddGlobalTestEnvironment(new test::GuiEnvironment);
+const auto* const kGui = ::testing::AddGlobalTestEnvironment(new GuiEnvironment);
 
-class ExportWindow : public ::testing::Test {
+class ExportWindow : public ExportFlowTest {
 protected:
-    void SetUp() override { ASSERT_TRUE(site.ok()) << site.error().toStdString(); }
-
-    // Start-up as the host would run it, then the window as the Export button opens it.
-    frmExport& open(const char* commandLine)
+    void SetUp() override
     {
-        const StartupOutcome outcome = RunStartup(QString::fromLatin1(commandLine));
-        EXPECT_FALSE(outcome.fatal);
-        EXPECT_NE(SharedDatabase(), nullptr);
-        window = std::make_unique<frmExport>(*SharedDatabase(), nullptr, &foundation.feedback, &dialogs);
-        window->show();
-        return *window;
+        ExportFlowTest::SetUp();
+        addWaiting(1);
     }
 
-    template <class W>
-    W* child(const char* name)
-    {
-        return window->findChild<W*>(QString::fromLatin1(name));
-    }
     QListWidget* list() { return child<QListWidget>("lstTables"); }
-    QTableWidget* fields() { return child<QTableWidget>("fpFields"); }
-    QTableWidget* records() { return child<QTableWidget>("fpRecords"); }
-    QPushButton* button(const char* name) { return child<QPushButton>(name); }
+    QTableWidget* fields() { return fieldGrid(); }
+    QTableWidget* records() { return recordGrid(); }
 
     QStringList listTexts()
     {
@@ -59,9 +32,9 @@ protected:
         const auto items = list()->findItems(text, Qt::MatchExactly);
         ASSERT_FALSE(items.isEmpty()) << text.toStdString();
         list()->setCurrentItem(items.first());
-        test::pressKey(list(), Qt::Key_Return, QStringLiteral("\r"));
+        pressKey(list(), Qt::Key_Return, QStringLiteral("\r"));
     }
-    void tick(int row) { test::clickCheckBox(fields(), 1, row); }
+    void tick(int row) { clickCheckBox(fields(), 1, row); }
     QString order(int row) { return window->fields().text(2, row); }
     QStringList recordHeaders()
     {
@@ -70,59 +43,50 @@ protected:
             out << window->records().text(c, 0);
         return out;
     }
-
-    test::ScopedFoundation foundation;
-    test::DemoSite site;
-    ui::ScriptedFileDialog dialogs;
-    std::unique_ptr<frmExport> window;
 };
 
 TEST_F(ExportWindow, DataSetsOfferedToEachKindOfUser)
 {
-    open("x,KRV.ini,true,1");
-    EXPECT_EQ(listTexts(), (QStringList{QStringLiteral("Time Data"), QStringLiteral("Inventory Data"),
-                                        QStringLiteral("GPS Data"), QStringLiteral("Map Locations Data")}));
-    EXPECT_TRUE(list()->isEnabled());
-    window.reset();
-    resetGlobals();
-
-    open("x,KRV.ini,true,2");
-    EXPECT_EQ(listTexts(), QStringList{QStringLiteral("Time Data")});
-    window.reset();
-    resetGlobals();
-
+    const std::pair<const char*, QStringList> cases[] = {
+        {"x,KRV.ini,true,1", {"Time Data", "Inventory Data", "GPS Data", "Map Locations Data"}},
+        {"x,KRV.ini,true,2", {"Time Data"}},
+        {"x,KRV.ini,true,3", {"No Selection Available"}},
+    };
+    for (const auto& [line, offered] : cases) {
+        SCOPED_TRACE(line);
+        window.reset();
+        resetGlobals();
+        open(line);
+        EXPECT_EQ(listTexts(), offered);
+    }
+    // The last user has nothing: Enter on the disabled list chooses nothing.
     open("x,KRV.ini,true,3");
-    EXPECT_EQ(listTexts(), QStringList{QStringLiteral("No Selection Available")});
     EXPECT_FALSE(list()->isEnabled());
-    // Enter on the disabled list chooses nothing.
     list()->setCurrentRow(0);
-    test::pressKey(list(), Qt::Key_Return, QStringLiteral("\r"));
+    pressKey(list(), Qt::Key_Return, QStringLiteral("\r"));
     EXPECT_EQ(window->session().dataSet(), nullptr);
     EXPECT_TRUE(foundation.feedback.messages().isEmpty());
-}
 
-TEST_F(ExportWindow, GpsRightAloneOffersOnlyGps)
-{
-    ASSERT_TRUE(site.exec(QStringLiteral("Insert into Permissions (UserID, FormID, CanAdd, CanModify, CanView) "
-                                         "values (3, 31, 0, 0, 1)")));
-    ASSERT_TRUE(site.exec(QStringLiteral("Insert into Permissions (UserID, FormID, CanAdd, CanModify, CanView) "
-                                         "values (3, 26, 0, 0, 1)")));
+    // The GPS right alone offers GPS only.
+    for (int form : {31, 26})
+        ASSERT_TRUE(site.exec(QStringLiteral("Insert into Permissions (UserID, FormID, CanAdd, CanModify, CanView) "
+                                             "values (3, %1, 0, 0, 1)").arg(form)));
+    window.reset();
+    resetGlobals();
     open("x,KRV.ini,true,3");
-    EXPECT_EQ(listTexts(), QStringList{QStringLiteral("GPS Data")});
+    EXPECT_EQ(listTexts(), QStringList{"GPS Data"});
 }
 
 TEST_F(ExportWindow, MapLocationsNeedLocationRows)
 {
     ASSERT_TRUE(site.exec(QStringLiteral("Delete from CommonLocations")));
     open("x,KRV.ini,true,1");
-    EXPECT_EQ(listTexts(), (QStringList{QStringLiteral("Time Data"), QStringLiteral("Inventory Data"),
-                                        QStringLiteral("GPS Data")}));
+    EXPECT_EQ(listTexts(), (QStringList{"Time Data", "Inventory Data", "GPS Data"}));
     EXPECT_EQ(window->statusBar().text(), QStringLiteral("There are no records available."));
     window.reset();
     resetGlobals();
-
     open("x,lumtrek.ini,true,3");
-    EXPECT_EQ(listTexts(), QStringList{QStringLiteral("GPS Data")});
+    EXPECT_EQ(listTexts(), QStringList{"GPS Data"});
 }
 
 TEST_F(ExportWindow, OpensSmallAndGrowsWhenADataSetIsChosen)
@@ -179,7 +143,7 @@ TEST_F(ExportWindow, OpensSmallAndGrowsWhenADataSetIsChosen)
 TEST_F(ExportWindow, MouseReleaseOverTheListChoosesAndSetsTheGpsCaptions)
 {
     open("x,lumtrek.ini,true,3");
-    test::clickListItem(list(), QStringLiteral("GPS Data"));
+    clickListItem(list(), QStringLiteral("GPS Data"));
     ASSERT_NE(window->session().dataSet(), nullptr);
     EXPECT_EQ(child<QLabel>("lblSelection")->text(),
               QStringLiteral("GPS Coordinates:  Select the fields to export."));
@@ -271,29 +235,29 @@ TEST_F(ExportWindow, HeaderTextsAreEditableOnlyAfterAClickInTheirColumn)
     chooseWithEnter(QStringLiteral("Time Data"));
     QTableWidget* grid = fields();
 
-    test::clickCell(grid, 4, 2);   // "Data Type"
+    clickCell(grid, 4, 2);   // "Data Type"
     EXPECT_EQ(window->lastFieldColumn(), 4);
-    test::pressKey(grid, Qt::Key_Right);   // the current cell moves to "Text File Header"
+    pressKey(grid, Qt::Key_Right);   // the current cell moves to "Text File Header"
     EXPECT_EQ(grid->currentColumn(), 4);
-    test::pressKey(grid, Qt::Key_Z, QStringLiteral("Z"));
+    pressKey(grid, Qt::Key_Z, QStringLiteral("Z"));
     EXPECT_EQ(grid->indexWidget(grid->model()->index(1, 4)), nullptr);   // no editor opened
     EXPECT_EQ(window->fields().text(5, 2), QStringLiteral("EmployeeNumber"));
     EXPECT_EQ(window->fields().text(4, 2), QStringLiteral("Number"));
 
-    test::clickCell(grid, 5, 2);
+    clickCell(grid, 5, 2);
     EXPECT_EQ(window->lastFieldColumn(), 5);
-    test::pressKey(grid, Qt::Key_E, QStringLiteral("E"));
+    pressKey(grid, Qt::Key_E, QStringLiteral("E"));
     auto* editor = qobject_cast<QLineEdit*>(grid->indexWidget(grid->model()->index(1, 4)));
     ASSERT_NE(editor, nullptr);
     editor->setText(QStringLiteral("Emp"));
-    test::pressKey(editor, Qt::Key_Return, QStringLiteral("\r"));
+    pressKey(editor, Qt::Key_Return, QStringLiteral("\r"));
     QApplication::processEvents();   // the grid takes the text after the key
     EXPECT_EQ(window->fields().text(5, 2), QStringLiteral("Emp"));
     EXPECT_EQ(window->session().field(2).header, QStringLiteral("Emp"));
 
     // The name column never takes typing, even after a click into it.
-    test::clickCell(grid, 3, 3);
-    test::pressKey(grid, Qt::Key_Q, QStringLiteral("Q"));
+    clickCell(grid, 3, 3);
+    pressKey(grid, Qt::Key_Q, QStringLiteral("Q"));
     EXPECT_EQ(window->fields().text(3, 3), QStringLiteral("VehicleNumber"));
 }
 
@@ -381,4 +345,4 @@ TEST_F(ExportWindow, CloseButtonClosesAndForgetsTheDataSet)
 }
 
 } // namespace
-} // namespace tp
+} // namespace tp::test

@@ -70,10 +70,10 @@ TEST_F(ExportFlow, AllRecordsFromTickToFileAndMarks)
     EXPECT_TRUE(button("cmdCancelClose")->isEnabled());
     EXPECT_FALSE(window->statusBar().progressVisible());
 
-    EXPECT_EQ(scalar(QStringLiteral("Select count(*) from JobTimeRecords where Approved = 2 "
+    EXPECT_EQ(site.scalar(QStringLiteral("Select count(*) from JobTimeRecords where Approved = 2 "
                                     "and ExportID = 1 and NewTimeRecordID <= 103")), 3);
-    EXPECT_EQ(scalar(QStringLiteral("Select Approved from JobTimeRecords where NewTimeRecordID = 104")), 0);
-    EXPECT_EQ(scalar(QStringLiteral("Select ExportID from JobTimeRecords where NewTimeRecordID = 105")), 1);
+    EXPECT_EQ(site.scalar(QStringLiteral("Select Approved from JobTimeRecords where NewTimeRecordID = 104")), 0);
+    EXPECT_EQ(site.scalar(QStringLiteral("Select ExportID from JobTimeRecords where NewTimeRecordID = 105")), 1);
     EXPECT_TRUE(foundation.feedback.messages().isEmpty());
 
     press("cmdCancelClose");
@@ -138,7 +138,7 @@ TEST_F(ExportFlow, DateRangeFromTheCalendarIncludesBothEnds)
     EXPECT_EQ(status(), QStringLiteral("Export Completed Successfully"));
     EXPECT_EQ(readBytes(file), QByteArray("\"Date\",\"Time\",\"TimeRecordID\"\r\n"
                                           "20050115,143005,2\r\n20050115,93000,3\r\n20050120,120000,4\r\n"));
-    EXPECT_EQ(scalar(QStringLiteral("Select count(*) from JobTimeRecords where Approved = 2 and "
+    EXPECT_EQ(site.scalar(QStringLiteral("Select count(*) from JobTimeRecords where Approved = 2 and "
                                     "NewTimeRecordID in (2, 3, 4)")), 3);
     EXPECT_EQ(markedCount(), 3);
 }

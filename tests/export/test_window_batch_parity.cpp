@@ -2,8 +2,7 @@
 // bytes and mark the same records.
 #include "export_window_fixture.h"
 
-#include <QProcess>
-#include <QProcessEnvironment>
+#include "support/programs.h"
 
 namespace tp::test {
 namespace {
@@ -15,37 +14,8 @@ protected:
     // id:Approved:ExportID of every time record, in id order.
     QString marks()
     {
-        cDAO db;
-        if (!db.DB_Connect(site.databaseFile(), QString(), QStringLiteral("Admin"), QString()))
-            return QStringLiteral("cannot open");
-        QStringList rows;
-        RecordsetPtr rs = db.RecSet_Forward(QStringLiteral(
-            "Select NewTimeRecordID, Approved, ExportID from JobTimeRecords order by NewTimeRecordID"));
-        for (; rs && !rs->atEnd(); rs->moveNext())
-            rows << QStringLiteral("%1:%2:%3").arg(rs->value(0).toLongLong()).arg(rs->value(1).toInt())
-                        .arg(rs->value(2).toInt());
-        if (rs)
-            db.RS_Close(rs);
-        db.DB_Close();
-        return rows.join(QLatin1Char(' '));
+        return site.rows("Select NewTimeRecordID, Approved, ExportID from JobTimeRecords order by NewTimeRecordID");
     }
-
-    int runBatch(const QStringList& arguments)
-    {
-        QProcess process;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("TALLYPORT_SETTINGS_DIR"), site.settingsFolder());
-        process.setProcessEnvironment(env);
-        process.start(QStringLiteral(TP_BINARY_DIR "/tallyport-batch"), arguments);
-        if (!process.waitForFinished(60000)) {
-            process.kill();
-            return -1;
-        }
-        batchErr = QString::fromLocal8Bit(process.readAllStandardError());
-        return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
-    }
-
-    QString batchErr;
 };
 
 TEST_F(WindowBatchParity, DateRangeWithEditedHeaderAndFormatsGivesTheSameFileAndMarks)
@@ -78,15 +48,13 @@ TEST_F(WindowBatchParity, DateRangeWithEditedHeaderAndFormatsGivesTheSameFileAnd
                                          "where NewTimeRecordID <> 6")));
     ASSERT_EQ(marks(), before);
     const QString batchFile = outFile(QStringLiteral("batch.txt"));
-    ASSERT_EQ(runBatch({QStringLiteral("export"), QStringLiteral("--settings"), QStringLiteral("KRV.ini"),
-                        QStringLiteral("--user"), QStringLiteral("1"), QStringLiteral("--dataset"),
-                        QStringLiteral("Time Data"), QStringLiteral("--fields"),
-                        QStringLiteral("EmployeeLastName,Date,Time,TimeRecordID=Emp \"ID\""),
-                        QStringLiteral("--from"), QStringLiteral("01/15/2005"), QStringLiteral("--to"),
-                        QStringLiteral("01/20/2005"), QStringLiteral("--format-date"),
-                        QStringLiteral("--format-time"), QStringLiteral("--output"), batchFile}),
-              0)
-        << batchErr.toStdString();
+    const ProgramRun batch = runProgram(
+        TP_BINARY_DIR "/tallyport-batch",
+        {"export", "--settings", "KRV.ini", "--user", "1", "--dataset", "Time Data", "--fields",
+         "EmployeeLastName,Date,Time,TimeRecordID=Emp \"ID\"", "--from", "01/15/2005", "--to", "01/20/2005",
+         "--format-date", "--format-time", "--output", batchFile},
+        site.settingsFolder());
+    ASSERT_EQ(batch.exitCode, 0) << batch.err.toStdString();
     EXPECT_EQ(readBytes(batchFile), windowBytes);
     EXPECT_EQ(marks(), windowMarks);
     // Inclusive at both ends, in date order; the unapproved record stays out and an

@@ -5,7 +5,9 @@
 #include "foundation/dao.h"
 #include "foundation/feedback.h"
 #include "foundation/sql_literal.h"
+#include "support/foundation_fixture.h"
 #include "support/test_databases.h"
+#include "support/time_rows.h"
 
 #include <QDir>
 #include <QFile>
@@ -13,19 +15,6 @@
 #include <gtest/gtest.h>
 
 namespace tp::test {
-
-struct TimeRow {
-    qint64 id = 0;
-    qint32 employee = 17;
-    qint32 vehicle = 5;
-    qint32 date = 20050131;
-    qint32 time = 143005;
-    qint32 customer = 300;
-    int jobIn = -1, timeIn = 0, jobOut = 0, timeOut = 1;
-    QString odometer = QStringLiteral("1200");
-    int approved = 1;
-    int exportId = 0;
-};
 
 class TimeDbTest : public ::testing::Test {
 protected:
@@ -55,40 +44,20 @@ protected:
         ASSERT_EQ(db.appError, 0) << sql.toStdString() << ": " << db.errorText.toStdString();
     }
 
-    void addTime(const TimeRow& r)
-    {
-        exec(QStringLiteral("INSERT INTO JobTimeRecords (NewTimeRecordID, EmployeeNumber, "
-                            "VehicleBlock, Date, Time, CustomerNumber, IsJobInRecord, "
-                            "IsTimeInRecord, IsJobOutRecord, IsTimeOutRecord, OdometerReading, "
-                            "Approved, ExportID) VALUES (%1, %2, %3, %4, %5, %6, %7, %8, %9, %10, "
-                            "%11, %12, %13)")
-                 .arg(r.id)
-                 .arg(r.employee)
-                 .arg(r.vehicle)
-                 .arg(r.date)
-                 .arg(r.time)
-                 .arg(r.customer)
-                 .arg(r.jobIn)
-                 .arg(r.timeIn)
-                 .arg(r.jobOut)
-                 .arg(r.timeOut)
-                 .arg(r.odometer)
-                 .arg(r.approved)
-                 .arg(r.exportId));
-    }
+    void addTime(const TimeRow& r) { exec(insertTimeRows({r})); }
 
-    // n waiting records with ids from firstId, all of one employee, one per day from date.
-    void addMany(int n, qint64 firstId = 1, qint32 employee = 17)
+    // n waiting records of employee 17 with ids from firstId, times 80000 upward.
+    void addMany(int n, qint64 firstId = 1)
     {
-        exec(QStringLiteral("BEGIN"));
-        for (int i = 0; i < n; ++i) {
-            TimeRow r;
-            r.id = firstId + i;
-            r.employee = employee;
-            r.time = 80000 + i;
-            addTime(r);
-        }
-        exec(QStringLiteral("COMMIT"));
+        std::vector<TimeRow> rows;
+        for (int i = 0; i < n; ++i)
+            rows.push_back({.id = firstId + i, .time = 80000 + i});
+        exec(insertTimeRows(rows));
+    }
+    // A waiting (or, by approved and exportId, another) record on date.
+    void addTimeOn(qint64 id, qint32 date, int approved = 1, int exportId = 0)
+    {
+        addTime({.id = id, .date = date, .approved = approved, .exportId = exportId});
     }
 
     void addEmployee(qint32 number, const QString& first, const QString& last,
@@ -114,11 +83,7 @@ protected:
 
     QString path(const QString& name) const { return QDir(dir.path()).filePath(name); }
 
-    static QByteArray readFile(const QString& name)
-    {
-        QFile f(name);
-        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("<missing>");
-    }
+    static QByteArray readFile(const QString& name) { return readBytes(name); }
 
     bool usePostgres = false;   // set by a derived fixture's constructor
     std::unique_ptr<PgScratchDatabase> pg;
