@@ -24,24 +24,18 @@ protected:
     QTemporaryDir logDir;
 };
 
-TEST_F(DateTest, FieldAndStandardDatesConvertBothWays)
+TEST_F(DateTest, ConversionsMovePositionsWithoutChecks)
 {
-    EXPECT_EQ(ConvertField2StandardDate(QStringLiteral("20041231")), QStringLiteral("12/31/2004"));
-    EXPECT_EQ(ConvertStandard2FieldDate(QStringLiteral("12/31/2004")), QStringLiteral("20041231"));
-    EXPECT_EQ(ConvertField2StandardDate(QStringLiteral("  20040105 ")), QStringLiteral("01/05/2004"));
-    EXPECT_EQ(ConvertStandard2FieldDate(QStringLiteral(" 01/05/2004  ")), QStringLiteral("20040105"));
-    EXPECT_TRUE(logText().isEmpty());
-}
-
-TEST_F(DateTest, PositionsOnlyWithoutChecks)
-{
-    EXPECT_EQ(ConvertField2StandardDate(QStringLiteral("2004")), QStringLiteral("/04/2004"));
-    EXPECT_EQ(ConvertField2StandardDate(QStringLiteral("7")), QStringLiteral("/7/7"));
-    EXPECT_EQ(ConvertField2StandardDate(QStringLiteral("20041399")), QStringLiteral("13/99/2004"));
-    EXPECT_EQ(ConvertStandard2FieldDate(QStringLiteral("1/5/2004")), QStringLiteral("20041//2"));
-    EXPECT_EQ(ConvertStandard2FieldDate(QStringLiteral("ab")), QStringLiteral("abab"));
-    // Only blanks are trimmed, as the old Trim did.
-    EXPECT_EQ(ConvertField2StandardDate(QStringLiteral("\t20041231")), QStringLiteral("41/31/\t200"));
+    const std::pair<const char*, const char*> toStandard[] = {
+        {"20041231", "12/31/2004"}, {"  20040105 ", "01/05/2004"}, {"2004", "/04/2004"}, {"7", "/7/7"},
+        {"20041399", "13/99/2004"},
+        {"\t20041231", "41/31/\t200"}};   // only blanks are trimmed, as the old Trim did
+    for (const auto& [field, standard] : toStandard)
+        EXPECT_EQ(ConvertField2StandardDate(field), standard) << field;
+    const std::pair<const char*, const char*> toField[] = {
+        {"12/31/2004", "20041231"}, {" 01/05/2004  ", "20040105"}, {"1/5/2004", "20041//2"}, {"ab", "abab"}};
+    for (const auto& [standard, field] : toField)
+        EXPECT_EQ(ConvertStandard2FieldDate(standard), field) << standard;
     EXPECT_TRUE(logText().isEmpty());
 }
 
@@ -57,29 +51,21 @@ TEST_F(DateTest, BlankArgumentsAreLoggedOnce)
     EXPECT_TRUE(scope.feedback.shown.empty());
 }
 
-TEST(StoredTime, TwentyFourHourLayoutByDigitCount)
+TEST(StoredTime, LayoutByDigitCountInBothClocks)
 {
-    EXPECT_EQ(FormatStoredTime(0, false), QStringLiteral("00:00:00"));
-    EXPECT_EQ(FormatStoredTime(5, false), QStringLiteral("00:00:05"));
-    EXPECT_EQ(FormatStoredTime(7, false), QStringLiteral("00:00:07"));
-    EXPECT_EQ(FormatStoredTime(45, false), QStringLiteral("00:00:45"));
-    EXPECT_EQ(FormatStoredTime(123, false), QStringLiteral("00:01:23"));
-    EXPECT_EQ(FormatStoredTime(1234, false), QStringLiteral("00:12:34"));
-    EXPECT_EQ(FormatStoredTime(93000, false), QStringLiteral("9:30:00"));
-    EXPECT_EQ(FormatStoredTime(235959, false), QStringLiteral("23:59:59"));
-    EXPECT_EQ(FormatStoredTime(1234567, false), QStringLiteral("::"));
-}
-
-TEST(StoredTime, TwelveHourLayout)
-{
-    EXPECT_EQ(FormatStoredTime(235959, true), QStringLiteral("11:59pm"));
-    EXPECT_EQ(FormatStoredTime(134500, true), QStringLiteral("1:45pm"));
-    EXPECT_EQ(FormatStoredTime(93000, true), QStringLiteral("9:30am"));
-    EXPECT_EQ(FormatStoredTime(120000, true), QStringLiteral("12:00pm"));
-    EXPECT_EQ(FormatStoredTime(113000, true), QStringLiteral("11:30am"));
-    EXPECT_EQ(FormatStoredTime(0, true), QStringLiteral("00:00am"));
-    EXPECT_EQ(FormatStoredTime(1234, true), QStringLiteral("00:12am"));
-    EXPECT_EQ(FormatStoredTime(1234567, true), QStringLiteral(":am"));
+    const std::tuple<qint32, const char*, const char*> cases[] = {
+        {0, "00:00:00", "00:00am"},      {5, "00:00:05", nullptr},     {45, "00:00:45", nullptr},
+        {123, "00:01:23", nullptr},      {1234, "00:12:34", "00:12am"}, {93000, "9:30:00", "9:30am"},
+        {113000, nullptr, "11:30am"},    {120000, nullptr, "12:00pm"},  {134500, nullptr, "1:45pm"},
+        {235959, "23:59:59", "11:59pm"}, {1234567, "::", ":am"}};
+    for (const auto& [stored, clock24, clock12] : cases) {
+        if (clock24) {
+            EXPECT_EQ(FormatStoredTime(stored, false), clock24) << stored;
+        }
+        if (clock12) {
+            EXPECT_EQ(FormatStoredTime(stored, true), clock12) << stored;
+        }
+    }
 }
 
 TEST(GmtNow, IsCurrentUtc)
@@ -106,38 +92,22 @@ protected:
     QTemporaryDir dir;
 };
 
-TEST_F(FileTest, FileExistsFindsOrdinaryFilesAndFolders)
+TEST_F(FileTest, FileExistsAndIsExistingFileDifferOnHiddenFilesFoldersAndWildcards)
 {
-    EXPECT_TRUE(FileExists(at("plain.txt")));
-    EXPECT_TRUE(FileExists(at("locked.txt")));
-    EXPECT_TRUE(FileExists(at("folder")));
-    EXPECT_TRUE(FileExists(backslashed(at("plain.txt"))));
-    EXPECT_FALSE(FileExists(at(".hidden")));
-    EXPECT_FALSE(FileExists(at("missing.txt")));
-    EXPECT_FALSE(FileExists(at("folder") + QStringLiteral("\\")));
-    EXPECT_FALSE(FileExists(at("folder") + QStringLiteral("/")));
-    EXPECT_FALSE(FileExists(at("*.txt")));
-    EXPECT_FALSE(FileExists(at("plain.tx?")));
-    EXPECT_FALSE(FileExists(QString()));
-    EXPECT_FALSE(FileExists(QStringLiteral(".")));
-    EXPECT_FALSE(FileExists(QStringLiteral("..")));
-    EXPECT_FALSE(FileExists(QStringLiteral("C:")));
-}
-
-TEST_F(FileTest, IsExistingFileFindsEveryFileButNoFolder)
-{
-    EXPECT_TRUE(IsExistingFile(at("plain.txt")));
-    EXPECT_TRUE(IsExistingFile(at(".hidden")));
-    EXPECT_TRUE(IsExistingFile(at("locked.txt")));
-    EXPECT_TRUE(IsExistingFile(backslashed(at(".hidden"))));
-    EXPECT_TRUE(IsExistingFile(at("*.txt")));
-    EXPECT_FALSE(IsExistingFile(at("fold*")));
-    EXPECT_FALSE(IsExistingFile(at("*.none")));
-    EXPECT_FALSE(IsExistingFile(at("folder")));
-    EXPECT_FALSE(IsExistingFile(at("folder") + QStringLiteral("\\")));
-    EXPECT_FALSE(IsExistingFile(at("missing.txt")));
-    EXPECT_FALSE(IsExistingFile(QString()));
-    EXPECT_FALSE(IsExistingFile(QStringLiteral("C:")));
+    const std::tuple<QString, bool, bool> cases[] = {
+        {at("plain.txt"), true, true},        {at("locked.txt"), true, true},
+        {backslashed(at("plain.txt")), true, true},
+        {at(".hidden"), false, true},         {backslashed(at(".hidden")), false, true},
+        {at("folder"), true, false},          {at("folder") + "\\", false, false},
+        {at("folder") + "/", false, false},   {at("*.txt"), false, true},
+        {at("plain.tx?"), false, true},       {at("fold*"), false, false},
+        {at("*.none"), false, false},         {at("missing.txt"), false, false},
+        {QString(), false, false},            {".", false, false},
+        {"..", false, false},                 {"C:", false, false}};
+    for (const auto& [name, exists, isFile] : cases) {
+        EXPECT_EQ(FileExists(name), exists) << name.toStdString();
+        EXPECT_EQ(IsExistingFile(name), isFile) << name.toStdString();
+    }
 }
 
 TEST(Paths, NativePathTurnsBackslashes)

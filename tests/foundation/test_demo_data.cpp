@@ -2,13 +2,13 @@
 #include "foundation/dao.h"
 #include "foundation/settings.h"
 #include "support/foundation_fixture.h"
+#include "support/programs.h"
 #include "support/test_databases.h"
 
 #include <QCryptographicHash>
 #include <QDate>
 #include <QDir>
 #include <QFile>
-#include <QProcess>
 #include <QSet>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -125,14 +125,13 @@ TEST_F(DemoDataTest, RowCountsMatchTheOptionsAndTheSummary)
     DemoSummary s;
     const DemoOptions o = smallOptions();
     const Reader r(make("demo.db", o, &s));
-    EXPECT_EQ(r.number("SELECT count(*) FROM EmployeeInfo"), o.employees);
-    EXPECT_EQ(r.number("SELECT count(*) FROM VehicleInfo"), o.vehicles);
-    EXPECT_EQ(r.number("SELECT count(*) FROM CustomerInfo"), o.customers);
-    EXPECT_EQ(r.number("SELECT count(*) FROM CommonLocations"), o.locations);
-    EXPECT_EQ(r.number("SELECT count(*) FROM JobTimeRecords"), o.timeRecords);
-    EXPECT_EQ(r.number("SELECT count(*) FROM InventoryHistory"), o.inventoryRecords);
-    EXPECT_EQ(r.number("SELECT count(*) FROM EmployeeTrackActivity"), o.tracks);
-    EXPECT_EQ(r.number("SELECT count(*) FROM GPSCoordinates"), o.gpsPoints);
+    const std::pair<const char*, int> counts[] = {
+        {"EmployeeInfo", o.employees},        {"VehicleInfo", o.vehicles},
+        {"CustomerInfo", o.customers},        {"CommonLocations", o.locations},
+        {"JobTimeRecords", o.timeRecords},    {"InventoryHistory", o.inventoryRecords},
+        {"EmployeeTrackActivity", o.tracks},  {"GPSCoordinates", o.gpsPoints}};
+    for (const auto& [table, rows] : counts)
+        EXPECT_EQ(r.number(QStringLiteral("SELECT count(*) FROM ") + table), rows) << table;
     EXPECT_EQ(s.timeRecords(), o.timeRecords);
     EXPECT_EQ(s.inventoryRecords(), o.inventoryRecords);
     EXPECT_EQ(s.gpsPoints, o.gpsPoints);
@@ -314,12 +313,10 @@ TEST_F(DemoDataTest, ProgramRefusesToOverwriteWithoutForce)
     if (!QFile::exists(program))
         GTEST_SKIP() << "tallyport-demo-db is not built";
     auto run = [&](const QStringList& args, QString* output = nullptr) {
-        QProcess p;
-        p.start(program, args);
-        p.waitForFinished(60000);
+        const tp::test::ProgramRun r = tp::test::runProgram(program, args);
         if (output)
-            *output = QString::fromUtf8(p.readAllStandardOutput() + p.readAllStandardError());
-        return p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1;
+            *output = r.out + r.err;
+        return r.exitCode;
     };
     const QString file = dir.filePath("prog.db"), settings = dir.filePath("settings");
     QString output;

@@ -132,42 +132,37 @@ TEST_F(LogTest, RotationWithAllGenerationsDropsTheOldest)
 
 TEST_F(LogTest, MessageIsCutAtTheFirstBlankSixtyEightPlacesOn)
 {
-    QString message(150, QLatin1Char('x'));
-    message[59] = QLatin1Char(' ');
-    message[99] = QLatin1Char(' ');
-    WriteLog(message);
-    const QList<QByteArray> lines = messageLines();
-    ASSERT_EQ(lines.size(), 2);
-    EXPECT_EQ(lines[0], "        " + message.left(100).toLatin1() + "\r");
-    EXPECT_EQ(lines[1], "        " + message.mid(100).toLatin1() + "\r");
-}
-
-TEST_F(LogTest, PieceBoundaryIsExactlySixtyEight)
-{
-    // A blank 68 places after the start ends the piece; one place earlier does not.
-    QString at68 = QString(100, QLatin1Char('a'));
-    at68[68] = QLatin1Char(' ');
-    QString at67 = QString(100, QLatin1Char('b'));
-    at67[67] = QLatin1Char(' ');
-    WriteLog(at68);
-    WriteLog(at67);
-    const QList<QByteArray> lines = messageLines();
-    ASSERT_EQ(lines.size(), 3);
-    EXPECT_EQ(lines[0].size(), 8 + 69 + 1);
-    EXPECT_EQ(lines[1].size(), 8 + 31 + 1);
-    EXPECT_EQ(lines[2].size(), 8 + 100 + 1);
-}
-
-TEST_F(LogTest, ShortEmptyAndUnbrokenMessages)
-{
-    WriteLog(QStringLiteral("Z"));
-    WriteLog(QString());
-    WriteLog(QString(300, QLatin1Char('q')));
-    const QList<QByteArray> lines = messageLines();
-    ASSERT_EQ(lines.size(), 2);
-    EXPECT_EQ(lines[0], QByteArray("        Z\r"));
-    EXPECT_EQ(lines[1].size(), 8 + 300 + 1);
-    EXPECT_EQ(current().count("GMT  System:"), 3);
+    auto withBlanks = [](char c, int size, std::initializer_list<int> blanks) {
+        QString m(size, QLatin1Char(c));
+        for (int b : blanks)
+            m[b] = QLatin1Char(' ');
+        return m;
+    };
+    // A message and where its lines start after the first.
+    const std::pair<QString, std::vector<int>> cases[] = {
+        {withBlanks('x', 150, {59, 99}), {100}},
+        {withBlanks('a', 100, {68}), {69}},   // a blank 68 places on ends the piece...
+        {withBlanks('b', 100, {67}), {}},     // ...one place earlier does not
+        {"Z", {}},
+        {QString(300, QLatin1Char('q')), {}},
+        {QString(), {}},   // the header alone
+    };
+    for (const auto& [message, starts] : cases) {
+        SCOPED_TRACE(message.toStdString());
+        ASSERT_TRUE(QFile::remove(file("tallyp.LOG")) || !QFile::exists(file("tallyp.LOG")));
+        WriteLog(message);
+        closeLog();
+        QList<QByteArray> expected;
+        int from = 0;
+        for (int start : starts) {
+            expected << "        " + message.mid(from, start - from).toLatin1() + "\r";
+            from = start;
+        }
+        if (!message.isEmpty())
+            expected << "        " + message.mid(from).toLatin1() + "\r";
+        EXPECT_EQ(messageLines(), expected);
+        EXPECT_EQ(current().count("GMT  System:"), 1);
+    }
 }
 
 TEST_F(LogTest, TextIsWrittenInTheEightBitCodePage)

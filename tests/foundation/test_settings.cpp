@@ -55,37 +55,36 @@ TEST_F(IniTest, ArgumentsAreCheckedInOrder)
 
 TEST_F(IniTest, StatusTextsTellWhyTheValueIsEmpty)
 {
-    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QStringLiteral("Field1")), QStringLiteral("Ini file was not found"));
+    EXPECT_EQ(read("PRIMARY", "Field1"), "Ini file was not found");
     EXPECT_TRUE(value.isEmpty());
 
-    settings.write(QStringLiteral("KRV.ini"), kKrv);
-    EXPECT_EQ(read(QStringLiteral("Nowhere"), QStringLiteral("Field1")), QStringLiteral("Section was not found"));
-    EXPECT_EQ(read(QStringLiteral("NoKeys"), QStringLiteral("Field1")), QStringLiteral("Section was not found"));
-    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QStringLiteral("Missing")), QStringLiteral("Key name was not found"));
-    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QStringLiteral("GPSTargetAreaDeviation")),
-              QStringLiteral("Key name was not found"));
-    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QStringLiteral("Commented")), QStringLiteral("Key name was not found"));
-    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QStringLiteral("Later")), QStringLiteral("Key name was not found"));
-    EXPECT_TRUE(value.isEmpty());
+    settings.write("KRV.ini", kKrv);
+    const char* const noSection = "Section was not found";
+    const char* const noKey = "Key name was not found";
+    const std::tuple<const char*, const char*, const char*> cases[] = {
+        {"Nowhere", "Field1", noSection}, {"NoKeys", "Field1", noSection}, {"PRIMARY", "Missing", noKey},
+        {"PRIMARY", "GPSTargetAreaDeviation", noKey}, {"PRIMARY", "Commented", noKey}, {"PRIMARY", "Later", noKey}};
+    for (const auto& [section, key, status] : cases) {
+        SCOPED_TRACE(std::string(section) + "/" + key);
+        EXPECT_EQ(read(section, key), status);
+        EXPECT_TRUE(value.isEmpty());
+    }
 }
 
 TEST_F(IniTest, ValuesAreReadAsTheProfileReaderReturnsThem)
 {
-    settings.write(QStringLiteral("KRV.ini"), kKrv);
-    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QStringLiteral("Field1")), QString());
-    EXPECT_EQ(value, QStringLiteral("C:\\Velotrek\\Data\\"));
-    EXPECT_EQ(read(QStringLiteral("primary"), QStringLiteral("FIELD2"), QString()), QString());
-    EXPECT_EQ(value, QStringLiteral("velo.mdb"));
-    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QStringLiteral("Empty")), QString());
-    EXPECT_EQ(value, QString());
-    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QStringLiteral("Quoted")), QString());
-    EXPECT_EQ(value, QStringLiteral("  padded  "));
-    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QStringLiteral("single")), QString());
-    EXPECT_EQ(value, QStringLiteral("x"));
-    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QStringLiteral("HalfQuoted")), QString());
-    EXPECT_EQ(value, QStringLiteral("\"open"));
-    EXPECT_EQ(read(QStringLiteral("gps"), QStringLiteral("gpstargetareadeviation")), QString());
-    EXPECT_EQ(value, QStringLiteral("0.25"));
+    settings.write("KRV.ini", kKrv);
+    const std::tuple<const char*, const char*, const char*> cases[] = {
+        {"PRIMARY", "Field1", "C:\\Velotrek\\Data\\"}, {"primary", "FIELD2", "velo.mdb"},
+        {"PRIMARY", "Empty", ""}, {"PRIMARY", "Quoted", "  padded  "}, {"PRIMARY", "single", "x"},
+        {"PRIMARY", "HalfQuoted", "\"open"}, {"gps", "gpstargetareadeviation", "0.25"}};
+    for (const auto& [section, key, expected] : cases) {
+        SCOPED_TRACE(std::string(section) + "/" + key);
+        EXPECT_EQ(read(section, key), QString());
+        EXPECT_EQ(value, QLatin1String(expected));
+    }
+    EXPECT_EQ(read("PRIMARY", "Field2", QString()), QString());   // an empty file name is the default one
+    EXPECT_EQ(value, "velo.mdb");
 }
 
 TEST_F(IniTest, LongValuesAreCutToTheBuffer)
@@ -218,39 +217,36 @@ TEST_F(LoaderTest, Field6AcceptsWordsAndNumbers)
     EXPECT_TRUE(logText().isEmpty());
 }
 
-TEST_F(LoaderTest, MissingDatabasePathIsFatal)
+TEST_F(LoaderTest, MissingPathOrNameIsFatalButEmptyOnesAreNot)
 {
-    load("[PRIMARY]\nField2=velo.db\n");
-    EXPECT_FALSE(result);
-    EXPECT_EQ(scope.feedback.messages(), QStringList{QStringLiteral("Failed to locate Primary Database Path!")});
-    ASSERT_EQ(scope.feedback.shown.size(), 1u);
-    EXPECT_EQ(scope.feedback.shown[0].code, 1);
-    EXPECT_EQ(scope.feedback.shown[0].title, kBoxTitle);
-    EXPECT_TRUE(globals().PrimaryDatabaseName.isEmpty());
-}
+    const std::tuple<const char*, bool, const char*> cases[] = {
+        {"[PRIMARY]\nField2=velo.db\n", false, "Failed to locate Primary Database Path!"},
+        {"[PRIMARY]\nField1=C:\\data\\\n", false, "Failed to locate Primary Database!"},
+        {"[OTHER]\nField1=x\n", false, "Failed to locate Primary Database Path!"},
+        {"[PRIMARY]\nField1=\nField2=\n", true, nullptr},   // left to the database open
+    };
+    for (const auto& [content, loads, message] : cases) {
+        SCOPED_TRACE(content);
+        resetGlobals();
+        scope.feedback.shown.clear();
+        load(content);
+        EXPECT_EQ(result, loads);
+        EXPECT_EQ(scope.feedback.messages(), message ? QStringList{message} : QStringList());
+        // The password is set only once both names were found.
+        EXPECT_EQ(globals().DatabasePassword, loads ? "MarlinGate" : "");
+        if (message) {
+            ASSERT_EQ(scope.feedback.shown.size(), 1u);
+            EXPECT_EQ(scope.feedback.shown[0].code, 1);
+            EXPECT_EQ(scope.feedback.shown[0].title, kBoxTitle);
+        }
+    }
+    EXPECT_EQ(globals().PrimaryDatabasePath, "");
 
-TEST_F(LoaderTest, MissingDatabaseNameIsFatal)
-{
-    load("[PRIMARY]\nField1=C:\\data\\\n");
-    EXPECT_FALSE(result);
-    EXPECT_EQ(scope.feedback.messages(), QStringList{QStringLiteral("Failed to locate Primary Database!")});
-    EXPECT_EQ(globals().PrimaryDatabasePath, QStringLiteral("C:\\data\\"));
-    EXPECT_EQ(globals().DatabasePassword, QString());
-}
-
-TEST_F(LoaderTest, MissingFileIsFatal)
-{
-    globals().SettingsFileName = QStringLiteral("KRV.ini");
+    resetGlobals();
+    scope.feedback.shown.clear();
+    globals().SettingsFileName = QStringLiteral("lumtrek.ini");   // no such file
     EXPECT_FALSE(SetGlobalsFromINIFile());
-    EXPECT_EQ(scope.feedback.messages(), QStringList{QStringLiteral("Failed to locate Primary Database Path!")});
-}
-
-TEST_F(LoaderTest, EmptyPathAndNameAreLeftToTheDatabaseOpen)
-{
-    load("[PRIMARY]\nField1=\nField2=\n");
-    EXPECT_TRUE(result);
-    EXPECT_TRUE(scope.feedback.shown.empty());
-    EXPECT_EQ(globals().DatabasePassword, QStringLiteral("MarlinGate"));
+    EXPECT_EQ(scope.feedback.messages(), QStringList{"Failed to locate Primary Database Path!"});
 }
 
 TEST_F(LoaderTest, UnconvertibleDeviationIsLoggedAndStopsTheRest)

@@ -80,12 +80,11 @@ TEST_F(SqlLiteralDb, NumbersSelectOnlyWhatTheyMean)
 
 TEST(SqlLiteral, WholeNumbersAreCanonical)
 {
-    EXPECT_EQ(sql::wholeNumber(QStringLiteral("42")), QStringLiteral("42"));
-    EXPECT_EQ(sql::wholeNumber(QStringLiteral("  -7\t")), QStringLiteral("-7"));
-    EXPECT_EQ(sql::wholeNumber(QStringLiteral("+007")), QStringLiteral("7"));
-    EXPECT_EQ(sql::wholeNumber(QStringLiteral("-0")), QStringLiteral("0"));
-    EXPECT_EQ(sql::wholeNumber(QStringLiteral("9223372036854775807")), QStringLiteral("9223372036854775807"));
-    EXPECT_EQ(sql::wholeNumber(QStringLiteral("-9223372036854775808")), QStringLiteral("-9223372036854775808"));
+    const std::pair<const char*, const char*> cases[] = {
+        {"42", "42"}, {"  -7\t", "-7"}, {"+007", "7"}, {"-0", "0"},
+        {"9223372036854775807", "9223372036854775807"}, {"-9223372036854775808", "-9223372036854775808"}};
+    for (const auto& [text, literal] : cases)
+        EXPECT_EQ(sql::wholeNumber(text), QString::fromLatin1(literal)) << text;
     EXPECT_EQ(sql::number(qint64(-12)), QStringLiteral("-12"));
 }
 
@@ -113,20 +112,17 @@ TEST(SqlLiteral, DecimalNumbers)
 
 TEST(SqlLiteral, DoublesAreShortestWithoutExponent)
 {
-    EXPECT_EQ(sql::number(100000.0), QStringLiteral("100000"));
-    EXPECT_EQ(sql::number(0.1), QStringLiteral("0.1"));
-    EXPECT_EQ(sql::number(-2.5), QStringLiteral("-2.5"));
-    EXPECT_EQ(sql::number(-0.0), QStringLiteral("0"));
-    EXPECT_EQ(sql::number(1e20), QStringLiteral("100000000000000000000"));
-    EXPECT_EQ(sql::number(0.000123), QStringLiteral("0.000123"));
-    EXPECT_EQ(sql::number(123456789.125), QStringLiteral("123456789.125"));
+    const std::pair<double, const char*> cases[] = {
+        {100000.0, "100000"}, {0.1, "0.1"},           {-2.5, "-2.5"},           {-0.0, "0"},
+        {1e20, "100000000000000000000"},              {0.000123, "0.000123"},   {123456789.125, "123456789.125"},
+        {std::nan(""), "NULL"}, {HUGE_VAL, "NULL"}};
+    for (const auto& [d, literal] : cases)
+        EXPECT_EQ(sql::number(d), QLatin1String(literal)) << literal;
     for (double d : {1.0 / 3, 2.0 / 3 * 1e9, 47.60621, -122.33207, 1e300, 5e-324}) {
         const QString text = sql::number(d);
         EXPECT_EQ(text.toDouble(), d) << text.toStdString();
         EXPECT_FALSE(text.contains(QLatin1Char(',')));
     }
-    EXPECT_EQ(sql::number(std::nan("")), QStringLiteral("NULL"));
-    EXPECT_EQ(sql::number(HUGE_VAL), QStringLiteral("NULL"));
 }
 
 } // namespace
