@@ -16,21 +16,13 @@ protected:
     QStringList messages() const { return foundation.feedback.messages(); }
 };
 
-TEST_F(CommandLine, FourFieldsFillTheGlobals)
-{
-    EXPECT_EQ(ParseCommandLine(QStringLiteral("x,KRV.ini,true,7")), ParseResult::Accepted);
-    EXPECT_EQ(globals().SettingsFileName, QStringLiteral("KRV.ini"));
-    EXPECT_TRUE(globals().AllowExport);
-    EXPECT_EQ(globals().UserID, QStringLiteral("7"));
-    EXPECT_TRUE(messages().isEmpty());
-}
-
 TEST_F(CommandLine, FieldsKeepTheirBlanksAndExtraFieldsAreIgnored)
 {
     EXPECT_EQ(ParseCommandLine(QStringLiteral("x, KRV.ini , true ,7 ,more")), ParseResult::Accepted);
     EXPECT_EQ(globals().SettingsFileName, QStringLiteral(" KRV.ini "));
     EXPECT_TRUE(globals().AllowExport);   // trimmed before the comparison
     EXPECT_EQ(globals().UserID, QStringLiteral("7 "));
+    EXPECT_TRUE(messages().isEmpty());
 }
 
 TEST_F(CommandLine, ExportFlagIgnoresLetterCaseAndAcceptsNumbers)
@@ -84,56 +76,32 @@ protected:
     test::DemoSite site;
 };
 
-TEST_F(Startup, OpensTheDatabaseNamedInTheSettings)
+// Start-ups that open the database are run by every window test.
+TEST_F(Startup, SettingsThatNameNoUsableDatabase)
 {
-    const StartupOutcome outcome = RunStartup(QStringLiteral("x,KRV.ini,true,1"));
-    EXPECT_FALSE(outcome.fatal);
-    EXPECT_TRUE(outcome.importEnabled);
-    EXPECT_TRUE(outcome.exportEnabled);
-    EXPECT_TRUE(globals().DatabaseOpen);
-    ASSERT_NE(SharedDatabase(), nullptr);
-    EXPECT_TRUE(SharedDatabase()->mbDatabaseIsOpen);
-    EXPECT_TRUE(foundation.feedback.messages().isEmpty());
-}
-
-TEST_F(Startup, ExportFlagFalseDisablesExportOnly)
-{
-    const StartupOutcome outcome = RunStartup(QStringLiteral("x,KRV.ini,False,1"));
-    EXPECT_TRUE(outcome.importEnabled);
-    EXPECT_FALSE(outcome.exportEnabled);
-    EXPECT_TRUE(globals().DatabaseOpen);
-}
-
-TEST_F(Startup, EmptyDatabaseNameIsReportedButNotFatal)
-{
-    site.writeSettings(QStringLiteral("KRV.ini"), "[PRIMARY]\r\nField1=/nowhere/\r\nField2=\r\n");
-    const StartupOutcome outcome = RunStartup(QStringLiteral("x,KRV.ini,true,1"));
-    EXPECT_FALSE(outcome.fatal);
-    EXPECT_TRUE(outcome.importEnabled);
-    EXPECT_TRUE(outcome.exportEnabled);
-    EXPECT_FALSE(globals().DatabaseOpen);
-    EXPECT_EQ(SharedDatabase(), nullptr);
-    ASSERT_EQ(foundation.feedback.shown.size(), 1u);
-    EXPECT_EQ(foundation.feedback.shown[0].text, kCannotOpenDatabase);
-    EXPECT_EQ(foundation.feedback.shown[0].code, 1);
-}
-
-TEST_F(Startup, MissingDatabaseKeyIsFatal)
-{
-    site.writeSettings(QStringLiteral("KRV.ini"), "[PRIMARY]\r\nField2=primary.db\r\n");
-    const StartupOutcome outcome = RunStartup(QStringLiteral("x,KRV.ini,true,1"));
-    EXPECT_TRUE(outcome.fatal);
-    EXPECT_EQ(foundation.feedback.messages(), QStringList{QStringLiteral("Failed to locate Primary Database Path!")});
-}
-
-TEST_F(Startup, DatabaseThatCannotBeOpenedIsFatal)
-{
-    site.writeSettings(QStringLiteral("KRV.ini"),
-                       "[PRIMARY]\r\nField1=/no/such/folder/\r\nField2=primary.db\r\n");
-    const StartupOutcome outcome = RunStartup(QStringLiteral("x,KRV.ini,true,1"));
-    EXPECT_TRUE(outcome.fatal);
-    EXPECT_FALSE(globals().DatabaseOpen);
-    EXPECT_TRUE(foundation.feedback.messages().contains(QStringLiteral("Cannot open the database")));
+    const std::tuple<QByteArray, bool, QString, qint32> cases[] = {
+        // An empty name is reported, and the program goes on without a database.
+        {"[PRIMARY]\r\nField1=/nowhere/\r\nField2=\r\n", false, kCannotOpenDatabase, 1},
+        {"[PRIMARY]\r\nField2=primary.db\r\n", true, "Failed to locate Primary Database Path!", 1},
+        {"[PRIMARY]\r\nField1=/no/such/folder/\r\nField2=primary.db\r\n", true, "Cannot open the database", 1},
+    };
+    for (const auto& [settings, fatal, message, code] : cases) {
+        SCOPED_TRACE(settings.constData());
+        resetGlobals();
+        foundation.feedback.shown.clear();
+        site.writeSettings(QStringLiteral("KRV.ini"), settings);
+        const StartupOutcome outcome = RunStartup(QStringLiteral("x,KRV.ini,true,1"));
+        EXPECT_EQ(outcome.fatal, fatal);
+        if (!fatal) {
+            EXPECT_TRUE(outcome.importEnabled && outcome.exportEnabled);
+        }
+        EXPECT_FALSE(globals().DatabaseOpen);
+        EXPECT_EQ(SharedDatabase(), nullptr);
+        const auto& shown = foundation.feedback.shown;
+        const auto box = std::find_if(shown.begin(), shown.end(), [&](const auto& b) { return b.text == message; });
+        ASSERT_NE(box, shown.end());
+        EXPECT_EQ(box->code, code);
+    }
 }
 
 TEST_F(Startup, RefusedCommandLineSkipsSettingsAndDatabase)

@@ -111,27 +111,32 @@ TEST_F(MainWindow, RefusedStartLeavesAboutAndExitWorking)
     window.aboutBox()->close();
 }
 
-TEST_F(MainWindow, AdministratorPassesBothGates)
+TEST_F(MainWindow, UsersWithRightsPassBothGatesAndSeeTheirDataSets)
 {
-    window.load(QStringLiteral("x,KRV.ini,true,1"));
-    button("cmdImport")->click();
-    button("cmdTime")->click();
-    EXPECT_TRUE(messages().isEmpty());
-    EXPECT_EQ(modalShown, 1);
-    EXPECT_EQ(offered, (QStringList{QStringLiteral("Time Data"), QStringLiteral("Inventory Data"),
-                                    QStringLiteral("GPS Data"), QStringLiteral("Map Locations Data")}));
-    EXPECT_TRUE(button("cmdImport")->isEnabled());
-    EXPECT_TRUE(button("cmdTime")->isEnabled());
-}
-
-TEST_F(MainWindow, PartialRightsPassWithTheirOwnDataSets)
-{
-    window.load(QStringLiteral("x,KRV.ini,true,2"));
-    button("cmdImport")->click();   // "IMP" on form 12 is enough
-    button("cmdTime")->click();     // "EXP2" on form 11
-    EXPECT_TRUE(messages().isEmpty());
-    EXPECT_EQ(modalShown, 1);
-    EXPECT_EQ(offered, QStringList{QStringLiteral("Time Data")});
+    const QStringList all = {"Time Data", "Inventory Data", "GPS Data", "Map Locations Data"};
+    const std::pair<const char*, QStringList> cases[] = {
+        {"x,KRV.ini,true,1", all},
+        {"x,KRV.ini,true,2", {"Time Data"}},   // "IMP" on form 12, "EXP2" on form 11
+        // The other settings file checks no rights; "krv.ini" is another settings file too.
+        {"x,lumtrek.ini,true,3", {"GPS Data", "Pinpoint Data"}},
+        {"x,krv.ini,true,3", {"GPS Data", "Pinpoint Data"}},
+    };
+    site.writeSettings("krv.ini", "[PRIMARY]\r\nField1=" +
+                                      QFile::encodeName(QFileInfo(site.databaseFile()).absolutePath()) +
+                                      "/\r\nField2=primary.db\r\n");
+    for (const auto& [line, dataSets] : cases) {
+        SCOPED_TRACE(line);
+        resetGlobals();
+        modalShown = 0;
+        window.load(QString::fromLatin1(line));
+        button("cmdImport")->click();
+        button("cmdTime")->click();
+        EXPECT_TRUE(messages().isEmpty());
+        EXPECT_EQ(modalShown, 1);
+        EXPECT_EQ(offered, dataSets);
+        EXPECT_TRUE(button("cmdImport")->isEnabled());
+        EXPECT_TRUE(button("cmdTime")->isEnabled());
+    }
 }
 
 TEST_F(MainWindow, NoRightsGetTheRefusalAndLoseTheButtons)
@@ -168,16 +173,6 @@ TEST_F(MainWindow, RightsAreReadAgainAtEveryClick)
     EXPECT_FALSE(button("cmdTime")->isEnabled());
 }
 
-TEST_F(MainWindow, OtherSettingsFileImportsWithoutRights)
-{
-    window.load(QStringLiteral("x,lumtrek.ini,true,3"));
-    button("cmdImport")->click();
-    button("cmdTime")->click();
-    EXPECT_TRUE(messages().isEmpty());
-    EXPECT_EQ(modalShown, 1);
-    EXPECT_EQ(offered, (QStringList{QStringLiteral("GPS Data"), QStringLiteral("Pinpoint Data")}));
-}
-
 TEST_F(MainWindow, OtherSettingsFileNeedsLocationsForExport)
 {
     ASSERT_TRUE(site.exec(QStringLiteral("Delete from CommonLocations")));
@@ -190,19 +185,6 @@ TEST_F(MainWindow, OtherSettingsFileNeedsLocationsForExport)
     EXPECT_TRUE(button("cmdTime")->isEnabled());
     button("cmdImport")->click();
     EXPECT_EQ(foundation.feedback.shown.size(), 1u);
-}
-
-TEST_F(MainWindow, SettingsNameIsComparedExactly)
-{
-    // "krv.ini" is another settings file: no rights are checked for it.
-    site.writeSettings(QStringLiteral("krv.ini"), "[PRIMARY]\r\nField1=" +
-                           QFile::encodeName(QFileInfo(site.databaseFile()).absolutePath()) +
-                           "/\r\nField2=primary.db\r\n");
-    window.load(QStringLiteral("x,krv.ini,true,3"));
-    button("cmdImport")->click();
-    button("cmdTime")->click();
-    EXPECT_TRUE(messages().isEmpty());
-    EXPECT_EQ(modalShown, 1);
 }
 
 TEST_F(MainWindow, HostileUserIdNeverPasses)

@@ -101,17 +101,6 @@ TEST_F(Grid, TypedTextIsReportedAndStaticTextCannotBeEdited)
     EXPECT_FALSE(table.item(0, 1)->flags() & Qt::ItemIsEditable);
 }
 
-TEST_F(Grid, WidthsAreCountedInCharacters)
-{
-    grid.setColWidth(2, 10);
-    grid.setColWidth(3, 20);
-    EXPECT_EQ(grid.colWidth(2), 10);
-    EXPECT_EQ(grid.colWidth(3), 20);
-    EXPECT_GT(table.columnWidth(2), table.columnWidth(1));
-    // A name as long as the width fits in the column.
-    EXPECT_GE(table.columnWidth(1), table.fontMetrics().horizontalAdvance(QStringLiteral("LocationNu")));
-}
-
 TEST_F(Grid, KeyFilterDiscardsCharactersButNotNavigation)
 {
     int asked = 0;
@@ -126,18 +115,6 @@ TEST_F(Grid, KeyFilterDiscardsCharactersButNotNavigation)
     test::pressKey(&table, Qt::Key_Down);
     EXPECT_EQ(table.currentRow(), 1);
     EXPECT_EQ(asked, 1);
-}
-
-TEST(StatusBar, TextAndProgress)
-{
-    QStatusBar bar;
-    ui::StatusBarAdapter status(&bar);
-    status.setText(QStringLiteral("Retrieving Record # 3"));
-    EXPECT_EQ(status.text(), QStringLiteral("Retrieving Record # 3"));
-    status.setProgress(5, 10);
-    EXPECT_TRUE(status.progressVisible());
-    status.setProgress(0, 0);
-    EXPECT_FALSE(status.progressVisible());
 }
 
 TEST(QtFeedback, PromptsCanBeScriptedAndStatusReachesTheBar)
