@@ -5,10 +5,8 @@
 #include "support/foundation_fixture.h"
 #include "support/test_databases.h"
 
-#include <QFile>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
 using namespace tp;
 
@@ -23,56 +21,35 @@ protected:
 
     void SetUp() override
     {
-        ASSERT_TRUE(dir.isValid());
         if (postgres()) {
             if (tp::test::pgTestUrl().isEmpty())
                 GTEST_SKIP() << tp::test::kPgSkipMessage;
             scratch = std::make_unique<tp::test::PgScratchDatabase>();
             ASSERT_TRUE(scratch->ok()) << scratch->error().toStdString();
-            location = scratch->url();
-        } else {
-            location = dir.filePath(QStringLiteral("perm.db"));
         }
+        location = postgres() ? scratch->url() : dir.filePath(QStringLiteral("perm.db"));
         DemoOptions o;
-        o.employees = 3;
-        o.vehicles = 2;
-        o.customers = 2;
-        o.locations = 1;
-        o.timeRecords = 4;
-        o.inventoryRecords = 2;
-        o.tracks = 1;
-        o.gpsPoints = 3;
+        o.employees = 3, o.vehicles = 2, o.customers = 2, o.locations = 1;
+        o.timeRecords = 4, o.inventoryRecords = 2, o.tracks = 1, o.gpsPoints = 3;
         QString error;
         ASSERT_TRUE(createDemoDatabase(location, o, &error)) << error.toStdString();
-        connect();
-    }
-
-    // The program's connection goes before the scratch database is dropped.
-    void TearDown() override { setSharedDatabase(nullptr); }
-
-    void connect()
-    {
         auto db = std::make_unique<cDAO>();
         ASSERT_TRUE(db->DB_Connect(location, QString(), QStringLiteral("Admin"), QStringLiteral("MarlinGate")));
         setSharedDatabase(std::move(db));
     }
 
+    // The program's connection goes before the scratch database is dropped.
+    void TearDown() override { setSharedDatabase(nullptr); }
+
     // Changes the database behind the program's back, as the host product would.
     void run(const char* sql)
     {
-        if (postgres()) {
-            QString why;
+        QString why;
+        if (postgres())
             ASSERT_TRUE(scratch->run(QString::fromLatin1(sql), &why)) << why.toStdString();
-            return;
-        }
-        sqlite3* db = nullptr;
-        ASSERT_EQ(sqlite3_open(QFile::encodeName(location).constData(), &db), SQLITE_OK);
-        char* message = nullptr;
-        const int rc = sqlite3_exec(db, sql, nullptr, nullptr, &message);
-        const std::string why = message ? message : "";
-        sqlite3_free(message);
-        sqlite3_close(db);
-        ASSERT_EQ(rc, SQLITE_OK) << why;
+        else
+            ASSERT_FALSE(tp::test::makeSqliteDatabase(dir.path(), QString::fromLatin1(sql), "perm.db", &why).isEmpty())
+                << why.toStdString();
     }
 
     // Rows of a table, seen through a connection of its own.
@@ -89,6 +66,18 @@ protected:
         globals().UserID = user;
         return CheckPermission(QString::fromLatin1(code), form);
     }
+    struct Case {
+        const char* user;
+        const char* code;
+        int form;
+        bool passes;
+    };
+    void expect(std::initializer_list<Case> cases)
+    {
+        for (const Case& c : cases)
+            EXPECT_EQ(check(QString::fromLatin1(c.user), c.code, c.form), c.passes)
+                << "user '" << c.user << "' " << c.code << " on form " << c.form;
+    }
 
     tp::test::ScopedFoundation scope;
     QTemporaryDir dir;
@@ -98,65 +87,46 @@ protected:
 
 TEST_P(PermissionTest, AdministratorPassesEveryCodeWhetherStoredAsMinusOneOrOne)
 {
-    for (const char* code : {"IMP", "EXP", "EXP2", "NOPE", ""}) {
-        EXPECT_TRUE(check(QStringLiteral("1"), code, 11)) << code;
-        EXPECT_TRUE(check(QStringLiteral("1"), code, 0)) << code;
-    }
+    for (const char* code : {"IMP", "EXP", "EXP2", "NOPE", ""})
+        expect({{"1", code, 11, true}, {"1", code, 0, true}});
     run("UPDATE UserNames SET Administrator = 1 WHERE UserID = 1");
-    EXPECT_TRUE(check(QStringLiteral("1"), "IMP", 2));
-    EXPECT_TRUE(check(QStringLiteral("1"), "whatever", 2));
+    expect({{"1", "IMP", 2, true}, {"1", "whatever", 2, true}});
     run("UPDATE UserNames SET Administrator = 0 WHERE UserID = 1");
-    EXPECT_FALSE(check(QStringLiteral("1"), "IMP", 2));
-    EXPECT_FALSE(check(QStringLiteral("1"), "EXP2", 11));
+    expect({{"1", "IMP", 2, false}, {"1", "EXP2", 11, false}});
 }
 
 TEST_P(PermissionTest, UserWithSomeRightsPassesOnlyThose)
 {
-    const QString user = QStringLiteral("2");
-    EXPECT_TRUE(check(user, "EXP2", 11));    // CanView on 31 (-1) and on 11 (1)
-    EXPECT_TRUE(check(user, "EXP", 11));
-    EXPECT_TRUE(check(user, "EXP", 31));
-    EXPECT_FALSE(check(user, "EXP2", 20));   // only the row of form 31 matches
-    EXPECT_FALSE(check(user, "EXP", 20));
-    EXPECT_FALSE(check(user, "EXP", 12));    // import right, no view right
-    EXPECT_TRUE(check(user, "IMP", 12));
-    EXPECT_FALSE(check(user, "IMP", 2));
-    EXPECT_FALSE(check(user, "IMP", 11));    // view only
-    EXPECT_FALSE(check(user, "imp", 12));    // codes compare exactly
-    EXPECT_FALSE(check(user, "EXP2 ", 11));
-    EXPECT_FALSE(check(user, "ADMIN", 11));
+    expect({{"2", "EXP2", 11, true},     // CanView on 31 (-1) and on 11 (1)
+            {"2", "EXP", 11, true},   {"2", "EXP", 31, true},
+            {"2", "EXP2", 20, false},    // only the row of form 31 matches
+            {"2", "EXP", 20, false},
+            {"2", "EXP", 12, false},     // import right, no view right
+            {"2", "IMP", 12, true},   {"2", "IMP", 2, false},
+            {"2", "IMP", 11, false},     // view only
+            {"2", "imp", 12, false},     // codes compare exactly
+            {"2", "EXP2 ", 11, false},  {"2", "ADMIN", 11, false}});
 }
 
 TEST_P(PermissionTest, UserWithoutRightsIsRefusedEverywhere)
 {
-    for (int form : {0, 2, 3, 4, 11, 12, 20, 26, 31}) {
-        EXPECT_FALSE(check(QStringLiteral("3"), "IMP", form)) << form;   // 12: CanAdd without CanModify
-        EXPECT_FALSE(check(QStringLiteral("3"), "EXP", form)) << form;
-        EXPECT_FALSE(check(QStringLiteral("3"), "EXP2", form)) << form;
-        EXPECT_FALSE(check(QStringLiteral("99"), "EXP", form)) << form;   // no such user
-    }
+    for (int form : {0, 2, 3, 4, 11, 12, 20, 26, 31})   // 12: CanAdd without CanModify; 99: no such user
+        expect({{"3", "IMP", form, false}, {"3", "EXP", form, false}, {"3", "EXP2", form, false},
+                {"99", "EXP", form, false}});
 }
 
-TEST_P(PermissionTest, ViewOnTheFormWithoutFormThirtyOneFailsTheTwoFormRule)
+TEST_P(PermissionTest, TwoFormRuleCountsTheViewRowsOfFormThirtyOneAndTheForm)
 {
     run("INSERT INTO UserNames (UserID, UserName, Administrator) VALUES (7, 'Seven', 0);"
         "INSERT INTO Permissions (UserID, FormID, CanAdd, CanModify, CanView) VALUES (7, 11, 0, 0, -1);"
-        "INSERT INTO Permissions (UserID, FormID, CanAdd, CanModify, CanView) VALUES (7, 31, 0, 0, 0)");
-    EXPECT_FALSE(check(QStringLiteral("7"), "EXP2", 11));
-    EXPECT_TRUE(check(QStringLiteral("7"), "EXP", 11));
-    run("UPDATE Permissions SET CanView = 1 WHERE UserID = 7 AND FormID = 31");
-    EXPECT_TRUE(check(QStringLiteral("7"), "EXP2", 11));
-}
-
-TEST_P(PermissionTest, TwoFormRuleOnFormThirtyOneNeedsTwoRowsAndNotThree)
-{
-    run("INSERT INTO Permissions (UserID, FormID, CanAdd, CanModify, CanView) VALUES (8, 31, 0, 0, -1)");
-    EXPECT_FALSE(check(QStringLiteral("8"), "EXP2", 31));
-    EXPECT_TRUE(check(QStringLiteral("8"), "EXP", 31));
-    run("INSERT INTO Permissions (UserID, FormID, CanAdd, CanModify, CanView) VALUES (8, 31, 0, 0, 1)");
-    EXPECT_TRUE(check(QStringLiteral("8"), "EXP2", 31));
+        "INSERT INTO Permissions (UserID, FormID, CanAdd, CanModify, CanView) VALUES (7, 31, 0, 0, 0);"
+        "INSERT INTO Permissions (UserID, FormID, CanAdd, CanModify, CanView) VALUES (8, 31, 0, 0, -1)");
+    expect({{"7", "EXP2", 11, false}, {"7", "EXP", 11, true}, {"8", "EXP2", 31, false}, {"8", "EXP", 31, true}});
+    run("UPDATE Permissions SET CanView = 1 WHERE UserID = 7 AND FormID = 31;"
+        "INSERT INTO Permissions (UserID, FormID, CanAdd, CanModify, CanView) VALUES (8, 31, 0, 0, 1)");
+    expect({{"7", "EXP2", 11, true}, {"8", "EXP2", 31, true}});
     run("INSERT INTO Permissions (UserID, FormID, CanAdd, CanModify, CanView) VALUES (8, 26, 0, 0, 1)");
-    EXPECT_FALSE(check(QStringLiteral("8"), "EXP2", 26));   // rows of 31 and 26 make three
+    expect({{"8", "EXP2", 26, false}});   // rows of 31 and 26 make three
 }
 
 TEST_P(PermissionTest, ImportNeedsAddAndModifyTogether)
@@ -164,21 +134,13 @@ TEST_P(PermissionTest, ImportNeedsAddAndModifyTogether)
     run("INSERT INTO Permissions (UserID, FormID, CanAdd, CanModify, CanView) VALUES (9, 3, -1, 0, -1);"
         "INSERT INTO Permissions (UserID, FormID, CanAdd, CanModify, CanView) VALUES (9, 2, 0, 1, -1);"
         "INSERT INTO Permissions (UserID, FormID, CanAdd, CanModify, CanView) VALUES (9, 0, 1, -1, 0)");
-    EXPECT_FALSE(check(QStringLiteral("9"), "IMP", 3));
-    EXPECT_FALSE(check(QStringLiteral("9"), "IMP", 2));
-    EXPECT_TRUE(check(QStringLiteral("9"), "IMP", 0));
-    EXPECT_FALSE(check(QStringLiteral("9"), "EXP", 0));
+    expect({{"9", "IMP", 3, false}, {"9", "IMP", 2, false}, {"9", "IMP", 0, true}, {"9", "EXP", 0, false}});
 }
 
 TEST_P(PermissionTest, UserIdMayCarryBlanksAndSignButNothingElse)
 {
-    EXPECT_TRUE(check(QStringLiteral(" 1 "), "IMP", 2));
-    EXPECT_TRUE(check(QStringLiteral("+2"), "IMP", 12));
-    EXPECT_FALSE(check(QStringLiteral("-2"), "IMP", 12));
-    EXPECT_FALSE(check(QString(), "IMP", 12));
-    EXPECT_FALSE(check(QStringLiteral("two"), "IMP", 12));
-    EXPECT_FALSE(check(QStringLiteral("2.0"), "IMP", 12));
-    EXPECT_FALSE(check(QStringLiteral("99999999999999999999"), "IMP", 12));
+    expect({{" 1 ", "IMP", 2, true}, {"+2", "IMP", 12, true}, {"-2", "IMP", 12, false}, {"", "IMP", 12, false},
+            {"two", "IMP", 12, false}, {"2.0", "IMP", 12, false}, {"99999999999999999999", "IMP", 12, false}});
 }
 
 TEST_P(PermissionTest, HostileUserIdsAreRefusedWithoutReachingTheDatabase)
@@ -187,33 +149,28 @@ TEST_P(PermissionTest, HostileUserIdsAreRefusedWithoutReachingTheDatabase)
     for (const char* hostile : {"0 OR 1=1", "0 or Administrator<>0", "1; DROP TABLE UserNames",
                                 "0 UNION SELECT -1", "2 --", "3)", "' OR ''='", "1\t;"}) {
         for (const char* code : {"IMP", "EXP", "EXP2", "ANY"})
-            EXPECT_FALSE(check(QString::fromLatin1(hostile), code, 12)) << hostile << ' ' << code;
+            expect({{hostile, code, 12, false}});
     }
     EXPECT_EQ(rows("UserNames"), 3);
     EXPECT_EQ(rows("Permissions"), 5);
     EXPECT_EQ(SharedDatabase()->appError, 0);   // nothing ran, so nothing failed
-    EXPECT_TRUE(check(QStringLiteral("1"), "IMP", 2));
+    expect({{"1", "IMP", 2, true}});
 }
 
-TEST_P(PermissionTest, DatabaseFailuresRefuse)
+TEST_P(PermissionTest, DatabaseFailuresRefuseAndChangedRightsCountAtTheNextCheck)
 {
-    run("DROP TABLE Permissions");
-    EXPECT_FALSE(check(QStringLiteral("2"), "IMP", 12));
-    EXPECT_FALSE(check(QStringLiteral("2"), "EXP2", 11));
-    EXPECT_TRUE(check(QStringLiteral("1"), "EXP", 4));   // the administrator needs no Permissions row
-    run("DROP TABLE UserNames");
-    EXPECT_FALSE(check(QStringLiteral("1"), "EXP", 4));
-    setSharedDatabase(nullptr);
-    EXPECT_FALSE(check(QStringLiteral("1"), "EXP", 4));
-}
-
-TEST_P(PermissionTest, RightsChangedWhileRunningCountAtTheNextCheck)
-{
-    EXPECT_FALSE(check(QStringLiteral("3"), "IMP", 12));
+    expect({{"3", "IMP", 12, false}});
     run("UPDATE Permissions SET CanModify = -1 WHERE UserID = 3 AND FormID = 12");
-    EXPECT_TRUE(check(QStringLiteral("3"), "IMP", 12));
+    expect({{"3", "IMP", 12, true}});
     run("UPDATE UserNames SET Administrator = -1 WHERE UserID = 3");
-    EXPECT_TRUE(check(QStringLiteral("3"), "EXP2", 20));
+    expect({{"3", "EXP2", 20, true}});
+    run("DROP TABLE Permissions");
+    // The administrator needs no Permissions row.
+    expect({{"2", "IMP", 12, false}, {"2", "EXP2", 11, false}, {"1", "EXP", 4, true}});
+    run("DROP TABLE UserNames");
+    expect({{"1", "EXP", 4, false}});
+    setSharedDatabase(nullptr);
+    expect({{"1", "EXP", 4, false}});
 }
 
 INSTANTIATE_TEST_SUITE_P(Engines, PermissionTest, ::testing::Values(false, true),

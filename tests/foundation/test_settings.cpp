@@ -17,6 +17,12 @@ protected:
         value = QStringLiteral("stale");
         return GetOneIniKey(section, key, value, file);
     }
+    // The value of a key that must be found.
+    QString found(const QString& section, const QString& key, const QVariant& file = QVariant())
+    {
+        EXPECT_EQ(read(section, key, file), QString()) << section.toStdString() << '/' << key.toStdString();
+        return value;
+    }
 
     tp::test::ScopedFoundation scope;
     tp::test::ScopedSettingsDir settings;
@@ -78,23 +84,17 @@ TEST_F(IniTest, ValuesAreReadAsTheProfileReaderReturnsThem)
         {"PRIMARY", "Field1", "C:\\Velotrek\\Data\\"}, {"primary", "FIELD2", "velo.mdb"},
         {"PRIMARY", "Empty", ""}, {"PRIMARY", "Quoted", "  padded  "}, {"PRIMARY", "single", "x"},
         {"PRIMARY", "HalfQuoted", "\"open"}, {"gps", "gpstargetareadeviation", "0.25"}};
-    for (const auto& [section, key, expected] : cases) {
-        SCOPED_TRACE(std::string(section) + "/" + key);
-        EXPECT_EQ(read(section, key), QString());
-        EXPECT_EQ(value, QLatin1String(expected));
-    }
-    EXPECT_EQ(read("PRIMARY", "Field2", QString()), QString());   // an empty file name is the default one
-    EXPECT_EQ(value, "velo.mdb");
+    for (const auto& [section, key, expected] : cases)
+        EXPECT_EQ(found(section, key), QLatin1String(expected));
+    EXPECT_EQ(found("PRIMARY", "Field2", QString()), "velo.mdb");   // an empty file name is the default one
 }
 
 TEST_F(IniTest, LongValuesAreCutToTheBuffer)
 {
     const QByteArray longValue(3000, 'v');
     settings.write(QStringLiteral("KRV.ini"), "[PRIMARY]\nField1=" + longValue + "\nField2=x\n");
-    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QStringLiteral("Field1")), QString());
-    EXPECT_EQ(value, QString(2047, QLatin1Char('v')));
-    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QStringLiteral("Field2")), QString());
-    EXPECT_EQ(value, QStringLiteral("x"));
+    EXPECT_EQ(found("PRIMARY", "Field1"), QString(2047, QLatin1Char('v')));
+    EXPECT_EQ(found("PRIMARY", "Field2"), "x");
 }
 
 TEST_F(IniTest, KeyListBeyondItsBufferHidesEmptyKeys)
@@ -105,34 +105,27 @@ TEST_F(IniTest, KeyListBeyondItsBufferHidesEmptyKeys)
         body += "Key" + QByteArray::number(100000 + i) + "=\n";
     body += "Valued=yes\n";
     settings.write(QStringLiteral("KRV.ini"), body);
-    EXPECT_EQ(read(QStringLiteral("BIG"), QStringLiteral("Key100000")), QString());
-    EXPECT_EQ(read(QStringLiteral("BIG"), QStringLiteral("Key103999")), QStringLiteral("Key name was not found"));
-    EXPECT_EQ(read(QStringLiteral("BIG"), QStringLiteral("Valued")), QString());
-    EXPECT_EQ(value, QStringLiteral("yes"));
+    EXPECT_EQ(found("BIG", "Key100000"), "");
+    EXPECT_EQ(read("BIG", "Key103999"), "Key name was not found");
+    EXPECT_EQ(found("BIG", "Valued"), "yes");
 }
 
 TEST_F(IniTest, FileNamesAreFoundLikeTheProfileReaderFindsThem)
 {
-    settings.write(QStringLiteral("lumtrek.ini"), "[PRIMARY]\nField1=lum\n");
-    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QStringLiteral("Field1"), QStringLiteral("lumtrek.ini")), QString());
-    EXPECT_EQ(value, QStringLiteral("lum"));
+    settings.write("lumtrek.ini", "[PRIMARY]\nField1=lum\n");
+    EXPECT_EQ(found("PRIMARY", "Field1", "lumtrek.ini"), "lum");
     // Without a name the host product's own file is meant.
-    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QStringLiteral("Field1")), QStringLiteral("Ini file was not found"));
+    EXPECT_EQ(read("PRIMARY", "Field1"), "Ini file was not found");
 
     // A name with a folder part is taken as it stands, with either separator.
     QTemporaryDir elsewhere;
     const QString full = QDir(elsewhere.path()).filePath(QStringLiteral("KRV.ini"));
     tp::test::writeBytes(full, "[PRIMARY]\nField1=there\n");
-    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QStringLiteral("Field1"), full), QString());
-    EXPECT_EQ(value, QStringLiteral("there"));
-    QString backslashed = full;
-    backslashed.replace(QLatin1Char('/'), QLatin1Char('\\'));
-    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QStringLiteral("Field1"), backslashed), QString());
-    EXPECT_EQ(value, QStringLiteral("there"));
+    EXPECT_EQ(found("PRIMARY", "Field1", full), "there");
+    EXPECT_EQ(found("PRIMARY", "Field1", QString(full).replace(u'/', u'\\')), "there");
     // A relative name with a folder part is not looked for in the settings folder.
-    settings.write(QStringLiteral("KRV.ini"), "[PRIMARY]\nField1=here\n");
-    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QStringLiteral("Field1"), QStringLiteral("no-such-sub/KRV.ini")),
-              QStringLiteral("Ini file was not found"));
+    settings.write("KRV.ini", "[PRIMARY]\nField1=here\n");
+    EXPECT_EQ(read("PRIMARY", "Field1", QStringLiteral("no-such-sub/KRV.ini")), "Ini file was not found");
 }
 
 TEST_F(IniTest, SettingsFolderFollowsTheEnvironment)
@@ -175,15 +168,11 @@ TEST_F(LoaderTest, FillsEverySetting)
          QStringLiteral("lumtrek.ini"));
     EXPECT_TRUE(result);
     const Globals& g = globals();
-    EXPECT_EQ(g.PrimaryDatabasePath, logDir.path() + QStringLiteral("\\"));
-    EXPECT_EQ(g.PrimaryDatabaseName, QStringLiteral("velo.db"));
-    EXPECT_EQ(PrimaryDatabaseFile(), logDir.path() + QStringLiteral("/velo.db"));
-    EXPECT_EQ(g.SevereErrorSetting, QStringLiteral("S"));
-    EXPECT_EQ(g.MinorErrorSetting, QStringLiteral("M"));
-    EXPECT_EQ(g.FieldPSPSetting, QStringLiteral("P"));
+    EXPECT_EQ((QStringList{g.PrimaryDatabasePath, g.PrimaryDatabaseName, PrimaryDatabaseFile(), g.SevereErrorSetting,
+                           g.MinorErrorSetting, g.FieldPSPSetting, g.DatabasePassword}),
+              (QStringList{logDir.path() + "\\", "velo.db", logDir.path() + "/velo.db", "S", "M", "P", "MarlinGate"}));
     EXPECT_DOUBLE_EQ(g.GPSTargetAreaDeviation, 12.5);
     EXPECT_TRUE(g.Field6Flag);
-    EXPECT_EQ(g.DatabasePassword, QStringLiteral("MarlinGate"));
     EXPECT_FALSE(IsKrvSettings());
     EXPECT_TRUE(scope.feedback.shown.empty());
     EXPECT_TRUE(logText().isEmpty());
