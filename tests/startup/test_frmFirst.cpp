@@ -65,16 +65,12 @@ protected:
 
 TEST_F(MainWindow, CaptionsAndMenus)
 {
-    EXPECT_EQ(window.windowTitle(), QStringLiteral("Import/Export "));
-    EXPECT_EQ(button("cmdImport")->text(), QStringLiteral("Import"));
-    EXPECT_EQ(button("cmdTime")->text(), QStringLiteral("Export"));
-    EXPECT_FALSE(button("cmdImport")->icon().isNull());
-    EXPECT_FALSE(window.windowIcon().isNull());
-    EXPECT_EQ(action("mnuExit")->text(), QStringLiteral("&Exit"));
-    EXPECT_EQ(action("mnuAbout")->text(), QStringLiteral("&About"));
     auto* file = window.findChild<QMenu*>(QStringLiteral("mnuFile"));
     ASSERT_NE(file, nullptr);
-    EXPECT_EQ(file->title(), QStringLiteral("&File"));
+    EXPECT_EQ((QStringList{window.windowTitle(), button("cmdImport")->text(), button("cmdTime")->text(),
+                           file->title(), action("mnuExit")->text(), action("mnuAbout")->text()}),
+              (QStringList{"Import/Export ", "Import", "Export", "&File", "&Exit", "&About"}));
+    EXPECT_FALSE(button("cmdImport")->icon().isNull() || window.windowIcon().isNull());
 }
 
 TEST_F(MainWindow, StartUpStatesOfTheButtons)
@@ -98,17 +94,6 @@ TEST_F(MainWindow, StartUpStatesOfTheButtons)
         EXPECT_EQ(button("cmdTime")->isEnabled(), c.exportOn) << c.line;
         EXPECT_EQ(int(foundation.feedback.shown.size()), c.messages) << c.line;
     }
-}
-
-TEST_F(MainWindow, RefusedStartLeavesAboutAndExitWorking)
-{
-    window.load(QString());
-    action("mnuAbout")->trigger();
-    ASSERT_NE(window.aboutBox(), nullptr);
-    EXPECT_TRUE(window.aboutBox()->isVisible());
-    action("mnuExit")->trigger();
-    EXPECT_EQ(ended, 1);
-    window.aboutBox()->close();
 }
 
 TEST_F(MainWindow, UsersWithRightsPassBothGatesAndSeeTheirDataSets)
@@ -149,7 +134,6 @@ TEST_F(MainWindow, NoRightsGetTheRefusalAndLoseTheButtons)
     EXPECT_EQ(refusal.title, QStringLiteral("Tallyport Import/Export"));
     EXPECT_EQ(refusal.text, QStringLiteral("You do not have the appropriate user\rsecurity rights for "
                                            "this functionality.\rPlease, see your System Administrator."));
-    EXPECT_FALSE(refusal.text.contains(QLatin1Char('\n')));
     EXPECT_FALSE(button("cmdImport")->isEnabled());
     EXPECT_TRUE(button("cmdTime")->isEnabled());
 
@@ -205,12 +189,14 @@ TEST_F(MainWindow, ClosingEndsTheProgramAndClearsTheDatabaseFlag)
     EXPECT_EQ(ended, 1);
 }
 
-TEST_F(MainWindow, AboutBoxTextsAndSystemInfo)
+// About and Exit work even after a refused start.
+TEST_F(MainWindow, AboutBoxAndExitAfterARefusedStart)
 {
-    window.load(QStringLiteral("x,KRV.ini,true,1"));
+    window.load(QString());
     action("mnuAbout")->trigger();
     frmAbout* about = window.aboutBox();
     ASSERT_NE(about, nullptr);
+    EXPECT_TRUE(about->isVisible());
     EXPECT_FALSE(about->isModal());
     EXPECT_EQ(about->windowTitle(), QStringLiteral("About Tallyport Export/Import"));
     auto text = [about](const char* name) {
@@ -239,6 +225,8 @@ TEST_F(MainWindow, AboutBoxTextsAndSystemInfo)
 
     about->findChild<QPushButton*>(QStringLiteral("cmdOK"))->click();
     EXPECT_FALSE(about->isVisible());
+    action("mnuExit")->trigger();
+    EXPECT_EQ(ended, 1);
 }
 
 } // namespace
