@@ -43,17 +43,13 @@ QString connectAdmin(const QString& url, QString& error)
     return name;
 }
 
+// The whole script in one round trip: the server runs several statements of one query text.
 bool runOn(const QString& connection, const QString& script, QString& error)
 {
-    QSqlDatabase db = QSqlDatabase::database(connection, false);
-    for (const QString& statement : splitSqlScript(script)) {
-        QSqlQuery q(db);
-        if (!q.exec(statement)) {
-            error = q.lastError().text() + QStringLiteral(" in: ") + statement;
-            return false;
-        }
-    }
-    return true;
+    QSqlQuery q(QSqlDatabase::database(connection, false));
+    if (!q.exec(script))
+        error = q.lastError().text();
+    return error.isEmpty();
 }
 
 void ensureApplication()
@@ -67,41 +63,6 @@ void ensureApplication()
 }
 
 } // namespace
-
-QStringList splitSqlScript(const QString& script)
-{
-    QStringList out;
-    QString current;
-    QChar quote;
-    for (qsizetype i = 0; i < script.size(); ++i) {
-        const QChar c = script[i];
-        if (!quote.isNull()) {
-            current += c;
-            if (c == quote)
-                quote = QChar();
-            continue;
-        }
-        if (c == u'-' && i + 1 < script.size() && script[i + 1] == u'-') {
-            while (i < script.size() && script[i] != u'\n')
-                ++i;
-            current += u'\n';
-            continue;
-        }
-        if (c == u'\'' || c == u'"') {
-            quote = c;
-            current += c;
-        } else if (c == u';') {
-            if (!current.trimmed().isEmpty())
-                out.append(current.trimmed());
-            current.clear();
-        } else {
-            current += c;
-        }
-    }
-    if (!current.trimmed().isEmpty())
-        out.append(current.trimmed());
-    return out;
-}
 
 QString schemaScript(bool postgres)
 {

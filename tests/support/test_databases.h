@@ -8,9 +8,6 @@
 
 namespace tp::test {
 
-// Splits a script at semicolons outside quotes and "--" comments; blank statements dropped.
-QStringList splitSqlScript(const QString& script);
-
 // The product's schema shipped in data/ (schema_sqlite.sql or schema_postgres.sql).
 QString schemaScript(bool postgres);
 
