@@ -68,13 +68,6 @@ TEST(StoredTime, LayoutByDigitCountInBothClocks)
     }
 }
 
-TEST(GmtNow, IsCurrentUtc)
-{
-    const QDateTime now = GmtNow();
-    EXPECT_EQ(now.timeSpec(), Qt::UTC);
-    EXPECT_LE(std::abs(now.msecsTo(QDateTime::currentDateTimeUtc())), 2000);
-}
-
 class FileTest : public ::testing::Test {
 protected:
     void SetUp() override
@@ -110,13 +103,6 @@ TEST_F(FileTest, FileExistsAndIsExistingFileDifferOnHiddenFilesFoldersAndWildcar
     }
 }
 
-TEST(Paths, NativePathTurnsBackslashes)
-{
-    EXPECT_EQ(NativePath(QStringLiteral("C:\\data\\")), QStringLiteral("C:/data/"));
-    EXPECT_EQ(NativePath(QStringLiteral("/srv\\velo/x.db")), QStringLiteral("/srv/velo/x.db"));
-    EXPECT_EQ(NativePath(QString()), QString());
-}
-
 TEST(Numeric, PlatformNumericTest)
 {
     for (const char* yes : {"0", "12", " 12 ", "-1.5", "+3", ".5", "1.", "  0042.10  "})
@@ -124,36 +110,6 @@ TEST(Numeric, PlatformNumericTest)
     for (const char* no : {"", " ", "+", "-", ".", "1 2", "1e3", "--1", "12a", "1,5", "0x1F", "1.2.3", "- 1"})
         EXPECT_FALSE(isNumericText(QString::fromLatin1(no))) << no;
     EXPECT_FALSE(isNumericText(QStringLiteral("\uff11\uff12")));   // full-width digits
-}
-
-struct PhoneCase {
-    const char* input;
-    bool ok;
-    const char* after;
-};
-
-TEST(Phone, CheckAndRewrite)
-{
-    const PhoneCase cases[] = {
-        {"", true, ""},
-        {"(555) 123-4567", true, "(555) 123-4567"},
-        {"(___) 123-4567", true, "(000) 123-4567"},
-        {"(5 5) 123-4567", false, "(5 5) 123-4567"},
-        {"(555)123-4567", false, "(555)123-4567"},
-        {"(555) 123-45678", false, "(555) 123-45678"},
-        {"( __) 123-4567", true, "(___) 123-4567"},
-        {"( 55) 123-4567", true, "( 55) 123-4567"},   // a leading blank is still a number
-        {"(555) ___-____", false, "(555) ___-____"},
-        {"(555) 12a-4567", false, "(555) 12a-4567"},
-        {"555) 123-45678", false, "555) 123-45678"},
-        {"(555)-123-4567", true, "(555)-123-4567"},
-        {"x555x 123x4567", true, "x555x 123x4567"},   // separators are not checked
-    };
-    for (const PhoneCase& c : cases) {
-        QString phone = QString::fromLatin1(c.input);
-        EXPECT_EQ(CheckPhoneField(phone), c.ok) << c.input;
-        EXPECT_EQ(phone, QString::fromLatin1(c.after)) << c.input;
-    }
 }
 
 TEST(CodePage, EightBitBytes)

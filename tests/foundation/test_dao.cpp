@@ -82,7 +82,7 @@ TYPED_TEST(DaoTest, ConnectAndClose)
     EXPECT_EQ(this->dao.appError, tp::StatusExec);
 }
 
-TYPED_TEST(DaoTest, ConnectToAMissingDatabaseFailsWithStatus10)
+TYPED_TEST(DaoTest, ConnectToAMissingDatabaseOrANonDatabaseFails)
 {
     cDAO other;
     qint16 notified = 0;
@@ -95,6 +95,10 @@ TYPED_TEST(DaoTest, ConnectToAMissingDatabaseFailsWithStatus10)
     EXPECT_FALSE(other.mbDatabaseIsOpen);
     if (!TypeParam::kPostgres) {
         EXPECT_FALSE(QFileInfo::exists(this->engine.missingLocation())) << "an empty database was created";
+        // Nor is a file of another kind a database.
+        ASSERT_TRUE(tp::test::writeBytes(this->engine.missingLocation(), "data"));
+        EXPECT_FALSE(other.DB_Connect(this->engine.missingLocation(), QString(), QStringLiteral("Admin"), QString()));
+        EXPECT_EQ(other.appError, tp::StatusConnect);
     }
 }
 
@@ -363,22 +367,11 @@ TYPED_TEST(DaoTest, HostileTextDoesNotChangeAStatement)
     EXPECT_EQ(this->dao.Reco_Count(QStringLiteral("Select * from Kinds")), 4);
 }
 
-TEST(DaoFiles, ARandomFileIsNotADatabase)
-{
-    QTemporaryDir dir;
-    ASSERT_TRUE(tp::test::writeBytes(dir.filePath(QStringLiteral("junk.db")), "data"));
-    cDAO dao;
-    EXPECT_FALSE(dao.DB_Connect(dir.filePath(QStringLiteral("junk.db")), QString(), QStringLiteral("Admin"), QString()));
-    EXPECT_EQ(dao.appError, tp::StatusConnect);
-    EXPECT_NE(dao.error_code, 0);
-}
-
 TEST(DaoFiles, OpenPrimaryDatabaseOnce)
 {
     QTemporaryDir dir;
-    tp::ScriptedFeedback seen;
-    tp::setFeedback(&seen);
-    tp::resetGlobals();
+    tp::test::ScopedFoundation scope;
+    const tp::ScriptedFeedback& seen = scope.feedback;
     tp::globals().PrimaryDatabasePath = dir.path() + u'/';
     tp::globals().PrimaryDatabaseName = QStringLiteral("Missing.db");
     EXPECT_FALSE(tp::OpenPrimaryDatabase());
@@ -387,9 +380,7 @@ TEST(DaoFiles, OpenPrimaryDatabaseOnce)
     EXPECT_EQ(seen.shown[0].code, 1);
     EXPECT_EQ(seen.shown[0].text, QStringLiteral("Cannot open the database"));
 
-    ASSERT_FALSE(tp::test::makeSqliteDatabase(dir.path(), QStringLiteral("CREATE TABLE t (a INTEGER);"),
-                                              QStringLiteral("Primary.db"))
-                     .isEmpty());
+    ASSERT_FALSE(tp::test::makeSqliteDatabase(dir.path(), "CREATE TABLE t (a INTEGER);", "Primary.db").isEmpty());
     tp::globals().PrimaryDatabaseName = QStringLiteral("Primary.db");
     EXPECT_TRUE(tp::OpenPrimaryDatabase());
     cDAO* first = tp::SharedDatabase();
@@ -399,8 +390,6 @@ TEST(DaoFiles, OpenPrimaryDatabaseOnce)
     EXPECT_TRUE(tp::OpenPrimaryDatabase());
     EXPECT_EQ(tp::SharedDatabase(), first);
     EXPECT_EQ(seen.shown.size(), 1u);
-    tp::resetGlobals();
-    tp::setFeedback(nullptr);
 }
 
 } // namespace

@@ -102,39 +102,29 @@ TEST(JetAnalyse, FindsTheSingleTableAndInsertsTheKey)
 }
 
 // The statements the tool runs, on a real database of each engine.
+const char* const kRows = R"(
+INSERT INTO UserNames (UserID, Administrator) VALUES (7, -1), (8, 0), (9, 1);
+INSERT INTO Permissions (UserID, FormID, CanAdd, CanModify, CanView) VALUES (7, 11, -1, -1, -1), (7, 31, 0, 0, 1);
+INSERT INTO JobTimeRecords (NewTimeRecordID, Date, Time, Approved, ExportID)
+    VALUES (1, 20041231, 93000, 1, 0), (2, 20050115, 100000, 1, 0), (3, 20050201, 100000, 1, 0), (4, 20050101, 100000, 1, 1);
+INSERT INTO VehicleInfo (VehicleNumber, LicenseNumber, Year) VALUES (12, ' abc 123 ', 2001);
+INSERT INTO EmployeeTrackActivity (TrackID, EmployeeNumber, VehicleNumber, TrackingDate) VALUES (3, 5, 12, 20040101);
+INSERT INTO GPSCoordinates (TrackID, Longitude, Latitude, RcvDate, RcvTime)
+    VALUES (3, -81.5, 41.1, 20040101, 120000), (3, -1, 41.1, 20040101, 120100);
+INSERT INTO EmployeeInfo (EmployeeNumber, Name, FirstName, LastName) VALUES (5, 'Pat', 'Pat', 'O''Neil');
+)";
+
 template <class Engine>
 class JetOnEngine : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        const QString why = engine.create(tp::test::schemaScript(Engine::kPostgres));
+        const QString why = engine.create(tp::test::schemaScript(Engine::kPostgres) + QString::fromUtf8(kRows));
         if (why == QString::fromLatin1(tp::test::kPgSkipMessage))
             GTEST_SKIP() << tp::test::kPgSkipMessage;
         ASSERT_TRUE(why.isEmpty()) << why.toStdString();
         ASSERT_TRUE(dao.DB_Connect(engine.location, QString(), QStringLiteral("Admin"), QString()))
             << dao.errorText.toStdString();
-        const char* rows[] = {
-            "INSERT INTO UserNames (UserID, Administrator) VALUES (7, -1)",
-            "INSERT INTO UserNames (UserID, Administrator) VALUES (8, 0)",
-            "INSERT INTO UserNames (UserID, Administrator) VALUES (9, 1)",
-            "INSERT INTO Permissions (UserID, FormID, CanAdd, CanModify, CanView) VALUES (7, 11, -1, -1, -1)",
-            "INSERT INTO Permissions (UserID, FormID, CanAdd, CanModify, CanView) VALUES (7, 31, 0, 0, 1)",
-            "INSERT INTO JobTimeRecords (NewTimeRecordID, Date, Time, Approved, ExportID) VALUES (1, 20041231, 93000, 1, 0)",
-            "INSERT INTO JobTimeRecords (NewTimeRecordID, Date, Time, Approved, ExportID) VALUES (2, 20050115, 100000, 1, 0)",
-            "INSERT INTO JobTimeRecords (NewTimeRecordID, Date, Time, Approved, ExportID) VALUES (3, 20050201, 100000, 1, 0)",
-            "INSERT INTO JobTimeRecords (NewTimeRecordID, Date, Time, Approved, ExportID) VALUES (4, 20050101, 100000, 1, 1)",
-            "INSERT INTO VehicleInfo (VehicleNumber, LicenseNumber, Year) VALUES (12, ' abc 123 ', 2001)",
-            "INSERT INTO EmployeeTrackActivity (TrackID, EmployeeNumber, VehicleNumber, TrackingDate) VALUES (3, 5, 12, 20040101)",
-            "INSERT INTO GPSCoordinates (TrackID, Longitude, Latitude, RcvDate, RcvTime) VALUES (3, -81.5, 41.1, 20040101, 120000)",
-            "INSERT INTO GPSCoordinates (TrackID, Longitude, Latitude, RcvDate, RcvTime) VALUES (3, -1, 41.1, 20040101, 120100)",
-            "INSERT INTO EmployeeInfo (EmployeeNumber, Name, FirstName, LastName) VALUES (5, 'Pat', 'Pat', 'O''Neil')",
-        };
-        ASSERT_TRUE(dao.BeginTrans());
-        for (const char* sql : rows) {
-            dao.Exec(QString::fromUtf8(sql));
-            ASSERT_EQ(dao.appError, 0) << sql << ": " << dao.errorText.toStdString();
-        }
-        ASSERT_TRUE(dao.CommitTrans());
     }
     Engine engine;
     tp::cDAO dao;

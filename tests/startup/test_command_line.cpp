@@ -104,14 +104,5 @@ TEST_F(Startup, SettingsThatNameNoUsableDatabase)
     }
 }
 
-TEST_F(Startup, RefusedCommandLineSkipsSettingsAndDatabase)
-{
-    const StartupOutcome outcome = RunStartup(QString());
-    EXPECT_FALSE(outcome.fatal);
-    EXPECT_FALSE(outcome.importEnabled);
-    EXPECT_FALSE(outcome.exportEnabled);
-    EXPECT_EQ(SharedDatabase(), nullptr);
-}
-
 } // namespace
 } // namespace tp
