@@ -67,6 +67,7 @@ TEST(JetTranslate, TextInsideLiteralsIsNeverTouched)
               QStringLiteral("Select * from T where A = 'x = True"));
 }
 
+// The server engine rebuilds statements from these tokens when it puts values in.
 TEST(JetTranslate, TokensJoinBackToTheInput)
 {
     const QString sql = QStringLiteral("Select top 10 a.[b c], 'x''y' ,1.5e3<>-2 from \"q\"\"r\" -- tail\n");

@@ -47,16 +47,15 @@ const QByteArray kKrv = "; written by the host product\r\n"
 
 TEST_F(IniTest, ArgumentsAreCheckedInOrder)
 {
-    EXPECT_EQ(read(QString(), QString(), QVariant(5)), QStringLiteral("Invalid section name"));
-    EXPECT_EQ(read(QString(QChar(0)) + QStringLiteral("PRIMARY"), QStringLiteral("Field1")),
-              QStringLiteral("Invalid section name"));
-    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QString(), QVariant(5)), QStringLiteral("Invalid key name"));
-    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QString(QChar(0))), QStringLiteral("Invalid key name"));
-    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QStringLiteral("Field1"), QVariant(5)),
-              QStringLiteral("Invalid file spec"));
-    EXPECT_EQ(read(QStringLiteral("PRIMARY"), QStringLiteral("Field1"), QVariant(QByteArray("KRV.ini"))),
-              QStringLiteral("Invalid file spec"));
-    EXPECT_TRUE(value.isEmpty());
+    const QString nul(QChar(0));
+    const std::tuple<QString, QString, QVariant, const char*> cases[] = {
+        {QString(), QString(), 5, "Invalid section name"}, {nul + "PRIMARY", "Field1", {}, "Invalid section name"},
+        {"PRIMARY", QString(), 5, "Invalid key name"},      {"PRIMARY", nul, {}, "Invalid key name"},
+        {"PRIMARY", "Field1", 5, "Invalid file spec"},      {"PRIMARY", "Field1", QByteArray("KRV.ini"), "Invalid file spec"}};
+    for (const auto& [section, key, file, status] : cases) {
+        EXPECT_EQ(read(section, key, file), status) << section.toStdString() << '/' << key.toStdString();
+        EXPECT_TRUE(value.isEmpty());
+    }
 }
 
 TEST_F(IniTest, StatusTextsTellWhyTheValueIsEmpty)
@@ -238,7 +237,8 @@ TEST_F(LoaderTest, MissingPathOrNameIsFatalButEmptyOnesAreNot)
     EXPECT_EQ(scope.feedback.messages(), QStringList{"Failed to locate Primary Database Path!"});
 }
 
-TEST_F(LoaderTest, UnconvertibleDeviationIsLoggedAndStopsTheRest)
+// A deviation that is not a number stops the rest of the loading; a bad Field6 only itself.
+TEST_F(LoaderTest, UnconvertibleValuesAreLogged)
 {
     load(primary() + "Field6=true\n[GPS]\nGPSTargetAreaDeviation=1,5\n");
     EXPECT_TRUE(result);
@@ -248,16 +248,13 @@ TEST_F(LoaderTest, UnconvertibleDeviationIsLoggedAndStopsTheRest)
     EXPECT_TRUE(globals().DatabasePassword.isEmpty());
     EXPECT_TRUE(logText().endsWith("        Error occurred in SetGlobalsFromINIFile:Globals\r\n13\r\n"))
         << logText().constData();
-}
 
-TEST_F(LoaderTest, UnconvertibleField6IsLogged)
-{
     load(primary() + "Field6=yes\n[GPS]\nGPSTargetAreaDeviation=-0.5\n");
     EXPECT_TRUE(result);
     EXPECT_DOUBLE_EQ(globals().GPSTargetAreaDeviation, -0.5);
     EXPECT_FALSE(globals().Field6Flag);
     EXPECT_TRUE(globals().DatabasePassword.isEmpty());
-    EXPECT_EQ(logText().count("Error occurred in SetGlobalsFromINIFile:Globals"), 1);
+    EXPECT_EQ(logText().count("Error occurred in SetGlobalsFromINIFile:Globals"), 2);
 }
 
 } // namespace

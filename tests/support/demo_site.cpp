@@ -19,14 +19,8 @@ QString templateDatabase(QString* error)
     static QString failure;
     if (made.isEmpty() && failure.isEmpty()) {
         DemoOptions options;
-        options.employees = 12;
-        options.vehicles = 8;
-        options.customers = 8;
-        options.locations = 6;
-        options.timeRecords = 60;
-        options.inventoryRecords = 30;
-        options.tracks = 6;
-        options.gpsPoints = 300;
+        options.employees = 12, options.vehicles = 8, options.customers = 8, options.locations = 6;
+        options.timeRecords = 60, options.inventoryRecords = 30, options.tracks = 6, options.gpsPoints = 300;
         options.months = 2;
         const QString file = dir.filePath(QStringLiteral("template.db"));
         if (createDemoDatabase(file, options, &failure))
