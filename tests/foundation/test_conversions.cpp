@@ -119,4 +119,34 @@ TEST(CodePage, EightBitBytes)
     EXPECT_EQ(toWindows1252(QStringLiteral("\u0081\u65e5\U0001F600.")), QByteArray("???."));
 }
 
+struct PhoneCase {
+    const char* input;
+    bool ok;
+    const char* after;
+};
+
+TEST(Phone, CheckAndRewrite)
+{
+    const PhoneCase cases[] = {
+        {"", true, ""},
+        {"(555) 123-4567", true, "(555) 123-4567"},
+        {"(___) 123-4567", true, "(000) 123-4567"},
+        {"(5 5) 123-4567", false, "(5 5) 123-4567"},
+        {"(555)123-4567", false, "(555)123-4567"},
+        {"(555) 123-45678", false, "(555) 123-45678"},
+        {"( __) 123-4567", true, "(___) 123-4567"},
+        {"( 55) 123-4567", true, "( 55) 123-4567"},   // a leading blank is still a number
+        {"(555) ___-____", false, "(555) ___-____"},
+        {"(555) 12a-4567", false, "(555) 12a-4567"},
+        {"555) 123-45678", false, "555) 123-45678"},
+        {"(555)-123-4567", true, "(555)-123-4567"},
+        {"x555x 123x4567", true, "x555x 123x4567"},   // separators are not checked
+    };
+    for (const PhoneCase& c : cases) {
+        QString phone = QString::fromLatin1(c.input);
+        EXPECT_EQ(CheckPhoneField(phone), c.ok) << c.input;
+        EXPECT_EQ(phone, QString::fromLatin1(c.after)) << c.input;
+    }
+}
+
 } // namespace

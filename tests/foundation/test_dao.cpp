@@ -6,6 +6,8 @@
 #include "support/foundation_fixture.h"
 #include "support/test_databases.h"
 
+#include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -390,6 +392,50 @@ TEST(DaoFiles, OpenPrimaryDatabaseOnce)
     EXPECT_TRUE(tp::OpenPrimaryDatabase());
     EXPECT_EQ(tp::SharedDatabase(), first);
     EXPECT_EQ(seen.shown.size(), 1u);
+}
+
+// A copy of the closed database file, numbered after the highest copy of the same stem.
+TEST(DaoFiles, BackupNumbersCopiesAndRefusesWhatItCannotCopy)
+{
+    QTemporaryDir dir;
+    auto touch = [&](const QString& name) {
+        QFile f(dir.filePath(name));
+        EXPECT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write("data");
+        return f.fileName();
+    };
+    cDAO dao;
+    const QString source = touch(QStringLiteral("Data.mdb"));
+    ASSERT_TRUE(QDir(dir.path()).mkdir(QStringLiteral("bak")));
+    const QString bak = dir.filePath(QStringLiteral("bak"));
+    EXPECT_TRUE(dao.DB_Backup(source, bak));
+    EXPECT_TRUE(QFileInfo::exists(bak + QStringLiteral("/Data_1.mdb")));
+    touch(QStringLiteral("bak/Data_3.mdb"));
+    touch(QStringLiteral("bak/data_x.mdb"));
+    touch(QStringLiteral("bak/Other_9.mdb"));
+    // Either separator, doubled ones and a trailing one are all fine.
+    QString windowsStyle = bak;
+    windowsStyle.replace(u'/', QStringLiteral("\\\\")).append(u'\\');
+    EXPECT_TRUE(dao.DB_Backup(source, windowsStyle));
+    EXPECT_TRUE(QFileInfo::exists(bak + QStringLiteral("/Data_4.mdb")));
+    EXPECT_EQ(dao.appError, 0);
+
+    EXPECT_FALSE(dao.DB_Backup(QStringLiteral("  "), dir.path()));
+    EXPECT_EQ(dao.appError, tp::StatusBackupBad);
+    EXPECT_FALSE(dao.DB_Backup(source, dir.filePath(QStringLiteral("missing"))));
+    EXPECT_EQ(dao.error_code, 99);
+    EXPECT_FALSE(dao.DB_Backup(QStringLiteral("postgresql://u@127.0.0.1/db"), dir.path()));
+    EXPECT_EQ(dao.appError, tp::StatusBackupBad);
+    EXPECT_FALSE(dao.DB_Backup(dir.filePath(QStringLiteral("Gone.mdb")), dir.path()));
+    EXPECT_FALSE(QFileInfo::exists(dir.filePath(QStringLiteral("Gone_1.mdb"))));
+
+    // Never while the database is open.
+    ASSERT_FALSE(tp::test::makeSqliteDatabase(dir.path(), "CREATE TABLE t (a INTEGER);", "Open.db").isEmpty());
+    ASSERT_TRUE(dao.DB_Connect(dir.filePath(QStringLiteral("Open.db")), QString(), QStringLiteral("Admin"), QString()));
+    EXPECT_FALSE(dao.DB_Backup(dir.filePath(QStringLiteral("Open.db")), bak));
+    EXPECT_EQ(dao.appError, tp::StatusBackupOpen);
+    EXPECT_EQ(dao.error_code, 98);
+    dao.DB_Close();
 }
 
 } // namespace
