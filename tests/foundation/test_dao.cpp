@@ -146,6 +146,34 @@ TYPED_TEST(DaoTest, CountsExistenceAndStatementFailures)
     EXPECT_EQ(this->scalar(QStringLiteral("Select Label from Keyed where KeyID = 1")).toString(), QStringLiteral("one"));
 }
 
+// The helpers the import side leans on: a duplicate key ignored, the next identifier, the size.
+TYPED_TEST(DaoTest, ExecUniqueMaxIdAndSize)
+{
+    this->exec(QStringLiteral("INSERT INTO Keyed (KeyID, Label) VALUES (1, 'one')"));
+    this->dao.ExecUnique(QStringLiteral("INSERT INTO Keyed (KeyID, Label) VALUES (1, 'again')"));
+    EXPECT_EQ(this->dao.appError, 0);
+    EXPECT_EQ(this->dao.error_code, 0);
+    EXPECT_TRUE(this->raised.isEmpty());
+    this->dao.ExecUnique(QStringLiteral("INSERT INTO Keyed (KeyID, Label) VALUES (2, 'two')"));
+    EXPECT_EQ(this->dao.Reco_Count(QStringLiteral("Select * from Keyed")), 2);
+    EXPECT_EQ(this->scalar(QStringLiteral("Select Label from Keyed where KeyID = 1")).toString(), QStringLiteral("one"));
+
+    EXPECT_EQ(this->dao.MaxID_Value(QStringLiteral("Items"), QStringLiteral("ItemID")), QVariant(qint64(1)));
+    this->exec(QStringLiteral("INSERT INTO Items (ItemID) VALUES (41)"));
+    this->exec(QStringLiteral("INSERT INTO Items (ItemID, Price) VALUES (7, 2.25)"));
+    const QVariant next = this->dao.MaxID_Value(QStringLiteral("Items"), QStringLiteral("ItemID"));
+    EXPECT_EQ(next.typeId(), QMetaType::LongLong);
+    EXPECT_EQ(next.toLongLong(), 42);
+    const QVariant real = this->dao.MaxID_Value(QStringLiteral("Items"), QStringLiteral("Price"));
+    EXPECT_EQ(real.typeId(), QMetaType::Double);
+    EXPECT_DOUBLE_EQ(real.toDouble(), 3.25);
+    EXPECT_FALSE(this->dao.MaxID_Value(QStringLiteral("NoSuchTable"), QStringLiteral("ItemID")).isValid());
+    EXPECT_EQ(this->dao.appError, tp::StatusStat);
+
+    EXPECT_GT(this->dao.DB_Size(), 0);
+    EXPECT_EQ(this->dao.databaseSize, this->dao.DB_Size());
+}
+
 TYPED_TEST(DaoTest, RecordsExistAboveTheSixteenBitCountFailsButStaysTrue)
 {
     this->exec(QStringLiteral("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 32768) "
