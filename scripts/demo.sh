@@ -43,7 +43,7 @@ if [ -z "${DISPLAY:-}" ] && [ -z "${WAYLAND_DISPLAY:-}" ]; then
     echo "No display: running the program under Xvfb and saving pictures of its windows:"
     export XDG_RUNTIME_DIR=${XDG_RUNTIME_DIR:-$(mktemp -d "${TMPDIR:-/tmp}/tallyport-xdg.XXXXXX")}
     xvfb-run -a -s "-screen 0 1280x1024x24" \
-        build/tallyport --screenshots "$PWD/demo/screenshots" "$command_line"
+        build/tallyport --screenshots "$PWD/build/screenshots" "$command_line"
     echo "With a display, run:  TALLYPORT_SETTINGS_DIR=$TALLYPORT_SETTINGS_DIR build/tallyport \"$command_line\""
     exit 0
 fi
