@@ -277,6 +277,16 @@ TYPED_TEST(DaoTest, DynasetAddsAndEditsRowsOfItsTable)
     EXPECT_EQ(this->dao.appError, tp::StatusDyn);
     EXPECT_FALSE(this->dao.RecSet_Opt(QStringLiteral("Select * from Nowhere")));
     EXPECT_EQ(this->dao.appError, tp::StatusOpt);
+    EXPECT_FALSE(this->dao.RecSet_Idle(QStringLiteral("Select * from Nowhere")));
+    EXPECT_EQ(this->dao.appError, tp::StatusOpt);
+    // The optimistic kind under its other name: edits of an unchanged row go through.
+    RecordsetPtr idle = this->dao.RecSet_Idle(QStringLiteral("Select * from Items where ItemID = 1"));
+    ASSERT_TRUE(idle);
+    EXPECT_EQ(idle->kind(), RecordsetKind::Optimistic);
+    ASSERT_TRUE(idle->edit());
+    idle->setValue(QStringLiteral("Name"), QStringLiteral("idle"));
+    ASSERT_TRUE(idle->update()) << idle->lastErrorText().toStdString();
+    EXPECT_EQ(this->scalar(QStringLiteral("Select Name from Items where ItemID = 1")).toString(), QStringLiteral("idle"));
 }
 
 TYPED_TEST(DaoTest, OptimisticUpdateFailsWhenAnotherConnectionChangedTheRow)
