@@ -45,9 +45,9 @@ set(CPACK_PACKAGE_VENDOR "Tallyport Systems")
 set(CPACK_PACKAGE_CONTACT "Tallyport Systems <support@tallyport.example>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY
     "moves fleet and time-keeping data between its database and text files")
+# CPack puts the summary in front of this as the first line.
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
-    "${CPACK_PACKAGE_DESCRIPTION_SUMMARY}
-Tallyport exports approved time records, inventory records, GPS track
+    "Tallyport exports approved time records, inventory records, GPS track
 points, map locations and pinpoints of a fleet-tracking and time-keeping
 product's database (SQLite or PostgreSQL) into comma-delimited text files,
 and imports customers, employees, vehicles, map locations and pinpoints

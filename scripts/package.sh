@@ -6,8 +6,10 @@ cd "$(dirname "$0")/.."
 
 scripts/setup.sh
 jobs=$(nproc 2>/dev/null || echo 2)
-cmake -S . -B build-package -DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFIX=/usr
-# Only what the package holds; tests and benchmarks are not installed.
+# Only what the package holds is built: tests and benchmarks are not installed, and cpack
+# is told not to build everything first.
+cmake -S . -B build-package -DCMAKE_BUILD_TYPE=Release -DCMAKE_INSTALL_PREFIX=/usr \
+      -DCMAKE_SKIP_INSTALL_ALL_DEPENDENCY=ON
 cmake --build build-package -j"$jobs" --target tallyport tallyport-batch tallyport-demo-db
 rm -f build-package/tallyport_*.deb
 (cd build-package && cpack -G DEB)
