@@ -1,9 +1,11 @@
 #include "demo_generator.h"
 #include "demo_content.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
 #include <QSaveFile>
 
 namespace tp {
@@ -26,6 +28,14 @@ bool isPostgres(const QString& location)
 QString demoSchemaPath(bool postgres)
 {
     QString dir = qEnvironmentVariable("TALLYPORT_DATA_DIR");
+    if (dir.isEmpty() && QCoreApplication::instance()) {
+        // An installed generator reads the scripts installed with it; one in a build folder,
+        // the sources.
+        const QString installed = QDir::cleanPath(QDir(QCoreApplication::applicationDirPath())
+                                                      .filePath(QStringLiteral(TP_INSTALLED_DATA_DIR)));
+        if (QFileInfo::exists(QDir(installed).filePath(QStringLiteral("schema_sqlite.sql"))))
+            dir = installed;
+    }
     if (dir.isEmpty())
         dir = QStringLiteral(TP_DATA_DIR);
     return QDir(dir).filePath(postgres ? QStringLiteral("schema_postgres.sql") : QStringLiteral("schema_sqlite.sql"));

@@ -50,7 +50,8 @@ bool createDemoDatabase(const QString& location, const DemoOptions& options, QSt
 bool writeDemoSettings(const QString& folder, const QString& dbFolder, const QString& dbName,
                        QString* error = nullptr);
 
-// The schema script shipped beside the generator; postgres chooses the PostgreSQL one.
+// The schema script: $TALLYPORT_DATA_DIR, else the one installed with the generator, else the
+// sources' data/; postgres chooses the PostgreSQL one.
 QString demoSchemaPath(bool postgres);
 
 } // namespace tp

@@ -4,6 +4,7 @@
 tallyport.png  program icon: a ledger sheet on a blue tile with an arrow through it
 import.png     button picture: an arrow into a tray
 export.png     button picture: an arrow out of a tray
+hicolor/NxN/apps/tallyport.png  the program icon at the sizes desktops look for (installed)
 Run it again after changing a shape; the PNGs are committed.
 """
 import math
@@ -114,6 +115,9 @@ GREEN = (46, 140, 72, 255)
 TRAY = (90, 100, 115, 255)
 
 
+ICON_SIZES = (16, 22, 24, 32, 48, 64, 128, 256)
+
+
 def program_icon():
     layers = [
         (rounded_rect(0.03, 0.03, 0.97, 0.97, 0.16), DARK),
@@ -144,3 +148,9 @@ if __name__ == "__main__":
     write_png(os.path.join(HERE, "tallyport.png"), 64, render(64, program_icon()))
     write_png(os.path.join(HERE, "import.png"), 32, render(32, import_icon()))
     write_png(os.path.join(HERE, "export.png"), 32, render(32, export_icon()))
+    for size in ICON_SIZES:
+        folder = os.path.join(HERE, "hicolor", "%dx%d" % (size, size), "apps")
+        os.makedirs(folder, exist_ok=True)
+        # Large sizes have pixels enough to smooth the edges with fewer samples.
+        samples = 4 if size <= 64 else 2
+        write_png(os.path.join(folder, "tallyport.png"), size, render(size, program_icon(), samples))

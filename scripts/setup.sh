@@ -3,7 +3,8 @@
 set -euo pipefail
 
 packages=(qt6-base-dev libqt6sql6-psql libsqlite3-dev libgtest-dev sqlite3 postgresql
-          xvfb xauth fonts-dejavu-core cmake g++)
+          xvfb xauth fonts-dejavu-core cmake g++
+          dpkg-dev desktop-file-utils man-db groff-base file)   # the package and its check
 
 missing=()
 for p in "${packages[@]}"; do

@@ -1,6 +1,7 @@
 // tallyport: the host passes one command line "x,SETTINGS.ini,ALLOWEXPORT,USERID".
 // tallyport --screenshots FOLDER x,... saves pictures of the windows instead of waiting for
 // the user (for machines without a screen).
+// tallyport --launcher is what the desktop menu runs: no host, so the window says what it needs.
 #include "foundation/feedback.h"
 #include "startup/frmFirst.h"
 #include "startup/startup.h"
@@ -9,6 +10,14 @@
 
 #include <QApplication>
 #include <cstdio>
+
+namespace {
+
+const QString kLauncherText = QStringLiteral(
+    "Tallyport is opened by the fleet product, which names the settings file and the signed-in user.\r"
+    "Opened from the menu, Import and Export are not available.");
+
+} // namespace
 
 int main(int argc, char** argv)
 {
@@ -26,6 +35,9 @@ int main(int argc, char** argv)
         screenshotFolder = arguments.at(1);
         arguments = arguments.mid(2);
     }
+    const bool launcher = !arguments.isEmpty() && arguments.first() == QLatin1String("--launcher");
+    if (launcher)
+        arguments.removeFirst();
 
     // Without a screen nobody can press OK: boxes are printed instead.
     tp::ScriptedFeedback printed;
@@ -41,6 +53,8 @@ int main(int argc, char** argv)
     if (outcome.fatal)
         return 1;
     window.show();
+    if (launcher && arguments.isEmpty())
+        tp::ShowMessage(0, kLauncherText);
 
     if (screenshots) {
         const QStringList files = window.saveScreenshots(screenshotFolder);

@@ -38,6 +38,21 @@ TEST_F(Program, ScreenshotModeSavesTheWindows)
     EXPECT_TRUE(files.last().endsWith(QStringLiteral("export-window-preview.png")));
 }
 
+// The desktop menu has no host line to pass: the window opens, says why its functions are off,
+// and the same box stays silent for a host that passes a line without commas.
+TEST_F(Program, LauncherExplainsWhatTheHostPasses)
+{
+    const QString explanation = QStringLiteral("Tallyport is opened by the fleet product");
+    const ProgramRun fromMenu = run({"--screenshots", shots.path(), "--launcher"});
+    ASSERT_EQ(fromMenu.exitCode, 0) << fromMenu.err.toStdString();
+    EXPECT_TRUE(fromMenu.err.contains(explanation)) << fromMenu.err.toStdString();
+    EXPECT_TRUE(fromMenu.out.contains(QStringLiteral("main-window.png"))) << fromMenu.out.toStdString();
+
+    const ProgramRun bareLine = run({"--screenshots", shots.path(), "nocomma"});
+    ASSERT_EQ(bareLine.exitCode, 0) << bareLine.err.toStdString();
+    EXPECT_FALSE(bareLine.err.contains(explanation)) << bareLine.err.toStdString();
+}
+
 TEST_F(Program, FatalStartUpEndsWithAFailureStatus)
 {
     site.writeSettings(QStringLiteral("KRV.ini"), "[PRIMARY]\r\nField2=primary.db\r\n");
