@@ -30,16 +30,15 @@ bool makeSite(Site& site, const QString& location, const QString& dbFolder, cons
            writeDemoSettings(site.settings.path(), dbFolder, dbName, error);
 }
 
-// Approved:ExportID counts, e.g. "2:1=80 1:0=528".
-QString markCounts(const QString& location)
+// Approved:ExportID counts of a table, e.g. "2:1=80 1:0=528".
+QString markCounts(const QString& location, const QString& table = QStringLiteral("JobTimeRecords"))
 {
     cDAO db;
     if (!db.DB_Connect(location, QString(), QStringLiteral("Admin"), QString()))
         return QStringLiteral("cannot open");
     QStringList counts;
-    RecordsetPtr rs = db.RecSet_Forward(QStringLiteral(
-        "Select Approved, ExportID, count(*) from JobTimeRecords group by Approved, ExportID "
-        "order by Approved, ExportID"));
+    RecordsetPtr rs = db.RecSet_Forward(QStringLiteral("Select Approved, ExportID, count(*) from ") + table +
+                                        QStringLiteral(" group by Approved, ExportID order by Approved, ExportID"));
     for (; rs && !rs->atEnd(); rs->moveNext())
         counts << QStringLiteral("%1:%2=%3").arg(rs->value(0).toInt()).arg(rs->value(1).toInt())
                       .arg(rs->value(2).toLongLong());
@@ -92,6 +91,57 @@ TEST(BatchOnPostgres, SameFileAndMarksAsOnSqliteAndACleanExit)
     EXPECT_GT(bytes.count("\r\n"), 50);
     EXPECT_EQ(b.readAll(), bytes);
     EXPECT_EQ(markCounts(postgres.location), markCounts(sqlite.location));
+}
+
+// Inventory, map locations (KRV.ini) and pinpoints (lumtrek.ini) of the same demo data: the
+// same bytes from both engines, and the same inventory marks.
+TEST(BatchOnPostgres, OtherDataSetsGiveTheSameFilesAsOnSqlite)
+{
+    PgScratchDatabase pg;
+    if (!pg.ok() && pgTestUrl().isEmpty())
+        GTEST_SKIP() << kPgSkipMessage;
+    ASSERT_TRUE(pg.ok()) << pg.error().toStdString();
+
+    QTemporaryDir files;
+    Site sqlite, postgres;
+    QString error;
+    const QString file = QDir(files.path()).filePath(QStringLiteral("demo.db"));
+    ASSERT_TRUE(makeSite(sqlite, file, files.path(), QStringLiteral("demo.db"), &error)) << error.toStdString();
+    const qsizetype cut = pg.url().lastIndexOf(QLatin1Char('/')) + 1;
+    ASSERT_TRUE(makeSite(postgres, pg.url(), pg.url().left(cut), pg.url().mid(cut), &error))
+        << error.toStdString();
+    const QString inventory = QStringLiteral("InventoryHistory");
+    const QString before = markCounts(sqlite.location, inventory);
+    ASSERT_EQ(markCounts(postgres.location, inventory), before);
+
+    const QString binary = QStringLiteral(TP_BINARY_DIR "/tallyport-batch");
+    const QStringList runs[] = {
+        {"--settings", "KRV.ini", "--user", "1", "--dataset", "Inventory Data", "--fields",
+         "InventoryHistoryID,EmployeeFirstName,EmployeeLastName,UsedQuantity,Date,Time", "--format-date", "--yes"},
+        {"--settings", "KRV.ini", "--user", "1", "--dataset", "Map Locations Data", "--fields",
+         "LocationNumber,LocationName,Address2,ZipCode,Longitude,Latitude,BranchNumber"},
+        {"--settings", "lumtrek.ini", "--user", "3", "--dataset", "Pinpoint Data", "--fields",
+         "PinpointName,Address1,City,Longitude,Latitude"}};
+    int n = 0;
+    for (const QStringList& arguments : runs) {
+        ++n;
+        const QString liteOut = QDir(files.path()).filePath(QStringLiteral("sqlite-%1.txt").arg(n));
+        const QString pgOut = QDir(files.path()).filePath(QStringLiteral("postgres-%1.txt").arg(n));
+        const ProgramRun onSqlite = runProgram(binary, QStringList{"export"} + arguments + QStringList{"--output", liteOut},
+                                               sqlite.settings.path());
+        const ProgramRun onPostgres = runProgram(binary, QStringList{"export"} + arguments + QStringList{"--output", pgOut},
+                                                 postgres.settings.path());
+        ASSERT_EQ(onSqlite.exitCode, 0) << arguments.join(' ').toStdString() << onSqlite.err.toStdString();
+        ASSERT_EQ(onPostgres.exitCode, 0) << arguments.join(' ').toStdString() << onPostgres.err.toStdString();
+        QFile a(liteOut), b(pgOut);
+        ASSERT_TRUE(a.open(QIODevice::ReadOnly) && b.open(QIODevice::ReadOnly));
+        const QByteArray bytes = a.readAll();
+        EXPECT_GT(bytes.count("\r\n"), 20) << n;
+        EXPECT_EQ(b.readAll(), bytes) << n;
+    }
+    EXPECT_EQ(markCounts(postgres.location, inventory), markCounts(sqlite.location, inventory));
+    // The waiting movements were marked on both.
+    EXPECT_NE(markCounts(sqlite.location, inventory), before);
 }
 
 } // namespace
