@@ -15,32 +15,28 @@ enum Slot {
 
 const QString kTable = QStringLiteral("InventoryHistory");
 const QString kIdColumn = QStringLiteral("InventoryHistoryID");
-const QString kRecordsFound = QStringLiteral("  Record(s) found");
 
 const WaitingRecordsStyle& style()
 {
-    static const WaitingRecordsStyle s = [] {
-        WaitingRecordsStyle w;
-        w.table = kTable;
-        w.employeeColumn = QStringLiteral("EmployeeID");
-        w.loadErrorAll = QStringLiteral("Cannot read Inventory record");
-        w.previewErrorAll = w.errorDated = QStringLiteral("Cannot read Inventory record(s)");
-        w.errorStatus = QStringLiteral("Error retrieving record at # ");
-        w.noneFound = QStringLiteral("0") + kRecordsFound;
+    static const WaitingRecordsStyle s{
+        .table = kTable,
+        .employeeColumn = "EmployeeID",
+        .loadErrorAll = "Cannot read Inventory record",
+        .previewErrorAll = "Cannot read Inventory record(s)",
+        .errorDated = "Cannot read Inventory record(s)",
+        .errorStatus = "Error retrieving record at # ",
+        .noneFound = "0  Record(s) found",
         // The inventory loads run to the end without letting the user interface in.
-        w.yields = false;
-        w.previewDone = [](qint64 n) {
-            return n < 21 ? QString::number(n) + kRecordsFound
-                          : QStringLiteral("20  out of ") + QString::number(n) + QStringLiteral("  Records");
-        };
-        w.loadDone = [](qint64 n) {
-            return n >= 20 ? QStringLiteral("First 20 records out of ") + QString::number(n) +
-                                 QStringLiteral(" found")
-                           : QString::number(n) + kRecordsFound;
-        };
-        w.datedCondition = QStringLiteral(" AND Date >= %1 AND Date <= %2");
-        return w;
-    }();
+        .yields = false,
+        .previewDone = [](qint64 n) {
+            return n < 21 ? QStringLiteral("%1  Record(s) found").arg(n)
+                          : QStringLiteral("20  out of %1  Records").arg(n);
+        },
+        .loadDone = [](qint64 n) {
+            return n >= 20 ? QStringLiteral("First 20 records out of %1 found").arg(n)
+                           : QStringLiteral("%1  Record(s) found").arg(n);
+        },
+        .datedCondition = " AND Date >= %1 AND Date <= %2"};
     return s;
 }
 
@@ -48,23 +44,15 @@ const WaitingRecordsStyle& style()
 
 const SlotTable& InventoryAssembler::slotTable()
 {
-    static const SlotTable table = [] {
-        SlotTable t;
-        t.names = {kIdColumn, QStringLiteral("EmployeeID"), QStringLiteral("EmployeeFirstName"),
-                   QStringLiteral("EmployeeLastName"), QStringLiteral("InventoryNumber"),
-                   QStringLiteral("CustomerID"), QStringLiteral("Date"), QStringLiteral("Time"),
-                   QStringLiteral("UsedQuantity"), QStringLiteral("JobRecordID"),
-                   QStringLiteral("Approved"), QStringLiteral("ExportID")};
-        for (const char* c : {"InventoryHistoryID", "EmployeeID", "EmployeeID", "EmployeeID",
-                              "InventoryNumber", "CustomerID", "Date", "Time", "UsedQuantity", "",
-                              "Approved", "ExportID"})
-            t.columns.push_back(QLatin1String(c));
-        t.firstNameSlot = SlotFirstName;
-        t.lastNameSlot = SlotLastName;
-        t.dateSlot = SlotDate;
-        t.timeSlot = SlotTime;
-        return t;
-    }();
+    static const SlotTable table{
+        .names = {kIdColumn, "EmployeeID", "EmployeeFirstName", "EmployeeLastName", "InventoryNumber",
+                  "CustomerID", "Date", "Time", "UsedQuantity", "JobRecordID", "Approved", "ExportID"},
+        .columns = {kIdColumn, "EmployeeID", "EmployeeID", "EmployeeID", "InventoryNumber", "CustomerID",
+                    "Date", "Time", "UsedQuantity", "", "Approved", "ExportID"},
+        .firstNameSlot = SlotFirstName,
+        .lastNameSlot = SlotLastName,
+        .dateSlot = SlotDate,
+        .timeSlot = SlotTime};
     return table;
 }
 

@@ -19,25 +19,21 @@ const QString kNoneFound = QStringLiteral("0 Record(s) found");
 
 const WaitingRecordsStyle& style()
 {
-    static const WaitingRecordsStyle s = [] {
-        WaitingRecordsStyle w;
-        w.table = QStringLiteral("JobTimeRecords");
-        w.employeeColumn = QStringLiteral("EmployeeNumber");
-        w.loadErrorAll = w.previewErrorAll = QStringLiteral("Cannot read Time Record(s)");
-        w.errorDated = QStringLiteral("Cannot read Time record(s)");
-        w.errorStatus = QStringLiteral("Error Retrieving Record at # ");
-        w.noneFound = kNoneFound;
-        w.datedProgress = true;
-        w.loadStartStatus = true;
-        w.yields = true;
+    static const WaitingRecordsStyle s{
+        .table = "JobTimeRecords",
+        .employeeColumn = "EmployeeNumber",
+        .loadErrorAll = "Cannot read Time Record(s)",
+        .previewErrorAll = "Cannot read Time Record(s)",
+        .errorDated = "Cannot read Time record(s)",
+        .errorStatus = "Error Retrieving Record at # ",
+        .noneFound = kNoneFound,
+        .datedProgress = true,
+        .loadStartStatus = true,
+        .yields = true,
         // "20 of " stands whatever the count.
-        w.previewDone = [](qint64 n) {
-            return QStringLiteral("20 of ") + QString::number(n) + QStringLiteral("  Record(s) found");
-        };
-        w.loadDone = [](qint64 n) { return QString::number(n) + QStringLiteral("  Record(s) found"); };
-        w.datedCondition = QStringLiteral("  AND Date >= %1 AND Date <= %2");
-        return w;
-    }();
+        .previewDone = [](qint64 n) { return QStringLiteral("20 of %1  Record(s) found").arg(n); },
+        .loadDone = [](qint64 n) { return QStringLiteral("%1  Record(s) found").arg(n); },
+        .datedCondition = "  AND Date >= %1 AND Date <= %2"};
     return s;
 }
 
@@ -45,29 +41,20 @@ const WaitingRecordsStyle& style()
 
 const SlotTable& TimeAssembler::slotTable()
 {
-    static const SlotTable table = [] {
-        SlotTable t;
-        t.names = {QStringLiteral("TimeRecordID"), QStringLiteral("EmployeeNumber"),
-                   QStringLiteral("VehicleNumber"), QStringLiteral("EmployeeFirstName"),
-                   QStringLiteral("EmployeeLastName"), QStringLiteral("Date"), QStringLiteral("Time"),
-                   QStringLiteral("CustomerNumber"), QStringLiteral("IsJobInRecord"),
-                   QStringLiteral("IsTimeInRecord"), QStringLiteral("IsJobOutRecord"),
-                   QStringLiteral("IsTimeOutRecord"), QStringLiteral("OdometerReading"),
-                   QStringLiteral("Approved"), QStringLiteral("ExportID")};
-        // The two name slots are looked up by EmployeeNumber.
-        for (const char* c : {"NewTimeRecordID", "EmployeeNumber", "VehicleBlock", "EmployeeNumber",
-                              "EmployeeNumber", "Date", "Time", "CustomerNumber", "IsJobInRecord",
-                              "IsTimeInRecord", "IsJobOutRecord", "IsTimeOutRecord",
-                              "OdometerReading", "Approved", "ExportId"})
-            t.columns.push_back(QLatin1String(c));
-        t.firstNameSlot = SlotFirstName;
-        t.lastNameSlot = SlotLastName;
-        t.dateSlot = SlotDate;
-        t.timeSlot = SlotTime;
-        t.firstTruthSlot = SlotJobIn;
-        t.lastTruthSlot = SlotTimeOut;
-        return t;
-    }();
+    // The two name slots are looked up by EmployeeNumber.
+    static const SlotTable table{
+        .names = {"TimeRecordID", "EmployeeNumber", "VehicleNumber", "EmployeeFirstName",
+                  "EmployeeLastName", "Date", "Time", "CustomerNumber", "IsJobInRecord", "IsTimeInRecord",
+                  "IsJobOutRecord", "IsTimeOutRecord", "OdometerReading", "Approved", "ExportID"},
+        .columns = {"NewTimeRecordID", "EmployeeNumber", "VehicleBlock", "EmployeeNumber", "EmployeeNumber",
+                    "Date", "Time", "CustomerNumber", "IsJobInRecord", "IsTimeInRecord", "IsJobOutRecord",
+                    "IsTimeOutRecord", "OdometerReading", "Approved", "ExportId"},
+        .firstNameSlot = SlotFirstName,
+        .lastNameSlot = SlotLastName,
+        .dateSlot = SlotDate,
+        .timeSlot = SlotTime,
+        .firstTruthSlot = SlotJobIn,
+        .lastTruthSlot = SlotTimeOut};
     return table;
 }
 

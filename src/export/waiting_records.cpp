@@ -79,7 +79,7 @@ public:
     {
         for (const QString& f : fields) {
             int slot = table.slotOf(f);
-            if (slot >= 0 && table.columns[std::size_t(slot)].isEmpty())
+            if (slot >= 0 && table.columns.at(slot).isEmpty())
                 slot = kEmptySlot;
             columnSlots.push_back(slot);
             if (table.isNameSlot(slot))
@@ -90,8 +90,8 @@ public:
     {
         QStringList columns;
         for (int slot : columnSlots)
-            if (slot >= 0 && !columns.contains(m_slots.columns[std::size_t(slot)]))
-                columns << m_slots.columns[std::size_t(slot)];
+            if (slot >= 0 && !columns.contains(m_slots.columns.at(slot)))
+                columns << m_slots.columns.at(slot);
         if (needNames && !columns.contains(m_employeeColumn))
             columns << m_employeeColumn;
         return columns.join(QLatin1String(", "));
@@ -99,7 +99,7 @@ public:
     bool bind(const Recordset& rs)
     {
         for (int slot : columnSlots) {
-            const int index = slot < 0 ? -1 : rs.fieldIndex(m_slots.columns[std::size_t(slot)]);
+            const int index = slot < 0 ? -1 : rs.fieldIndex(m_slots.columns.at(slot));
             if (slot >= 0 && index < 0)
                 return false;
             indexes.push_back(index);

@@ -21,7 +21,7 @@ std::optional<QString> storedText(const QVariant& v, bool truth);
 // A data set's slots: field names in slot order and the table column of each.
 struct SlotTable {
     QStringList names;
-    std::vector<QString> columns;   // per slot; the name slots hold the employee column
+    QStringList columns;   // per slot; the name slots hold the employee column, "" never read
     int firstNameSlot = -1;
     int lastNameSlot = -1;
     int dateSlot = -1;
