@@ -37,9 +37,9 @@ struct PreviewResult {
     bool timeFilled = false;           // some "Time" cell got a value
 };
 
-// The rows a load handed out, so that exactly those are marked afterwards. Keys are the
-// engine's row identity (SQLite rowid, PostgreSQL ctid); they are only valid for marking soon
-// after the load.
+// The rows a load handed out, so that exactly those are marked afterwards. Keys are what the
+// data set's assembler names a row by (inventory: InventoryHistoryID; time: the engine's row
+// identity, SQLite rowid or PostgreSQL ctid, valid only for marking soon after the load).
 struct ExportedRows {
     std::vector<QVariant> keys;
 };
