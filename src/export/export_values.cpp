@@ -88,6 +88,19 @@ bool isExportNumeric(const QString& s)
             ++digits;
         }
     }
+    // A power of ten, as another program may have stored a very large or small real.
+    if (digits > 0 && i < e && (s.at(i) == QLatin1Char('e') || s.at(i) == QLatin1Char('E'))) {
+        ++i;
+        if (i < e && (s.at(i) == QLatin1Char('+') || s.at(i) == QLatin1Char('-')))
+            ++i;
+        qsizetype exponentDigits = 0;
+        while (i < e && isDigit(s.at(i))) {
+            ++i;
+            ++exponentDigits;
+        }
+        if (exponentDigits == 0)
+            return false;
+    }
     return digits > 0 && i == e;
 }
 

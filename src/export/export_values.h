@@ -31,7 +31,8 @@ ExportValue TypeValue(const QString& s, const QString& dataType);
 ExportValue TypeValue(const QString& s, FieldType type);
 
 // Numeric by the rules the files have always used: optional blanks, optional sign, digits
-// with an optional period and decimals. "007", " -12.50 ", ".5" are numeric; "1e5", "1,5" not.
+// with an optional period and decimals, an optional power of ten. "007", " -12.50 ", ".5",
+// "1E+21" are numeric; "1,5", "1e", "e5" not.
 bool isExportNumeric(const QString& s);
 
 // Shortest text that reads back as d, at most 15 significant digits, period as separator,

@@ -19,7 +19,10 @@ TEST(TypeValue, NumberBooleanDateAndTextRules)
 {
     // Each value typed and written alone on a line.
     const std::pair<QString, const char*> numbers[] = {
-        {"007", "7"}, {" -12.50 ", "-12.5"}, {".5", "0.5"}, {"+3", "3"}};
+        {"007", "7"}, {" -12.50 ", "-12.5"}, {".5", "0.5"}, {"+3", "3"},
+        // Powers of ten come out in plain decimal.
+        {"1e5", "100000"}, {"1E+21", "1000000000000000000000"}, {"1e-8", "0.00000001"},
+        {"-2.5E-3", "-0.0025"}};
     for (const auto& [text, written] : numbers) {
         const ExportValue v = TypeValue(text, "NUMBER");
         EXPECT_EQ(v.kind, ExportValue::Number) << text.toStdString();
@@ -29,7 +32,8 @@ TEST(TypeValue, NumberBooleanDateAndTextRules)
         {"True", "Boolean", "#TRUE#"}, {"False", "boolean", "#FALSE#"},
         {"01/31/2005", "Date", "#2005-01-31#"}, {"1/31/2005 14:05:00", "DATE", "#2005-01-31 14:05:00#"},
         // Not numeric, or not the exact form of its type: text.
-        {"", "Number", "\"\""}, {"01/31/2005", "Number", "\"01/31/2005\""}, {"1e5", "Number", "\"1e5\""},
+        {"", "Number", "\"\""}, {"01/31/2005", "Number", "\"01/31/2005\""}, {"1e", "Number", "\"1e\""},
+        {"e5", "Number", "\"e5\""}, {"1e+", "Number", "\"1e+\""}, {".e5", "Number", "\".e5\""},
         {"1,5", "Number", "\"1,5\""}, {"12a", "Number", "\"12a\""}, {"-", "Number", "\"-\""},
         {".", "Number", "\".\""}, {"09:30:00", "Number", "\"09:30:00\""}, {"17", "Text", "\"17\""},
         {"True", "Text", "\"True\""}, {"true", "Boolean", "\"true\""}, {"-1", "Boolean", "\"-1\""},
