@@ -227,8 +227,9 @@ LoadResult LocationAssembler::load(const ExportRequest& request, RecordSink& sin
         result.error = kCannotReadRecords;
         return result;
     };
+    // Like the count, the load never looked for an empty table: it fails on one.
     const qint64 total = rowCount();
-    RecordsetPtr rs = total < 0 ? nullptr : m_db.RecSet_Forward(selectRows());
+    RecordsetPtr rs = total < 1 ? nullptr : m_db.RecSet_Forward(selectRows());
     if (!rs)
         return fail(0);
     if (!sink.begin(total)) {

@@ -57,6 +57,13 @@ TEST_P(LocationExport, EmptyTableEndsEachScanItsOwnWay)
     EXPECT_EQ(feedback.messages(), QStringList{QStringLiteral("Cannot read Common Location Record(s)")});
     EXPECT_EQ(feedback.lastStatus, QStringLiteral("Error Retrieving Record # 0"));
     EXPECT_TRUE(feedback.questions().isEmpty());
+
+    // A save that finds the table emptied since the scan writes nothing.
+    feedback.shown.clear();
+    const ExportJobResult r = run(kLumtrek, fields);
+    EXPECT_EQ(r.outcome, ExportJobResult::Failed);
+    EXPECT_EQ(r.records, 0);
+    EXPECT_EQ(feedback.messages(), QStringList{QStringLiteral("Cannot read Common Location Record(s)")});
 }
 
 TEST_P(LocationExport, OnlyMapLocationsAskBeforeMoreThanTwoHundred)
