@@ -4,11 +4,11 @@
 #include "foundation/globals.h"
 #include "ui/window_support.h"
 
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
-#include <QHeaderView>
 #include <QScrollBar>
 #include <QTableWidget>
 
