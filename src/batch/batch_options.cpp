@@ -95,6 +95,9 @@ QString checkExport(const Options& o)
     const bool gps = o.dataset == kListGps;
     if (gps && (!o.byDate() || o.subject.isEmpty()))
         return QStringLiteral("GPS Data needs --from, --to and --subject");
+    // The window offers no date range for locations: every row is exported.
+    if ((o.dataset == kListMapLocations || o.dataset == kListPinpoints) && o.byDate())
+        return o.dataset + QStringLiteral(" takes every location; --from and --to are not offered");
     if (!gps && !o.subject.isEmpty())
         return QStringLiteral("--subject is for GPS Data only");
     if (!o.subject.isEmpty() && o.subject != QLatin1String("all") && !isTrackId(o.subject))

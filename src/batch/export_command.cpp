@@ -61,7 +61,7 @@ int exportCommand(const Options& options, ConsoleFeedback& feedback, std::FILE* 
     const QStringList offered = session.offeredDataSets();
     if (!offered.contains(options.dataset))
         return refuseDataSet(feedback, out, offered);
-    if (options.dataset != kListTime) {
+    if (options.dataset == kListGps) {
         feedback.status(QString());
         feedback.note(options.dataset + QStringLiteral(" is not available in this version."));
         return finishWithStatus(feedback, out, ExitFailure);

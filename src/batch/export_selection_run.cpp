@@ -50,7 +50,7 @@ int selectScanAndSave(ExportSession& session, const Options& options, ConsoleFee
         session.saveExportFile(QFileInfo(options.output).absoluteFilePath(), options.encoding);
     switch (result.outcome) {
     case ExportJobResult::Completed:
-        if (result.marked < 0)
+        if (result.marked < 0 && session.isTimeOrInventory())
             feedback.note(QStringLiteral("The exported records could not be marked as exported; "
                                          "they will be offered again."));
         return finishWithStatus(feedback, out, ExitSuccess);

@@ -37,9 +37,9 @@ struct PreviewResult {
     bool timeFilled = false;           // some "Time" cell got a value
 };
 
-// The rows a load handed out, so that exactly those are marked afterwards. Keys are the
-// engine's row identity (SQLite rowid, PostgreSQL ctid); they are only valid for marking soon
-// after the load.
+// The rows a load handed out, so that exactly those are marked afterwards. Keys are what the
+// data set's assembler names a row by (inventory: InventoryHistoryID; time: the engine's row
+// identity, SQLite rowid or PostgreSQL ctid, valid only for marking soon after the load).
 struct ExportedRows {
     std::vector<QVariant> keys;
 };
@@ -77,6 +77,13 @@ public:
     virtual qint16 available(const ExportRequest& request) = 0;
     // Number of selected records; -1 after a failure (shown).
     virtual qint64 count(const ExportRequest& request) = 0;
+    // The count "Scan Database" makes. A data set whose scan also loads (map locations) may
+    // ask the long-export question there: on No it sets cancel and returns 0.
+    virtual qint64 scanCount(const ExportRequest& request, bool& cancel)
+    {
+        (void)cancel;
+        return count(request);
+    }
     // The first min(recordCount, maxRows) records for the record grid.
     virtual PreviewResult preview(const ExportRequest& request, qint64 recordCount,
                                   int maxRows = 20) = 0;

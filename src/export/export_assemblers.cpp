@@ -1,5 +1,7 @@
 #include "export/export_assemblers.h"
 
+#include "export/inventory_data.h"
+#include "export/location_data.h"
 #include "export/time_data.h"
 
 namespace tp {
@@ -9,6 +11,10 @@ std::unique_ptr<ExportAssembler> MakeExportAssembler(const QString& tableKey, cD
 {
     if (tableKey == kTableTime)
         return std::make_unique<TimeAssembler>(db, feedback);
+    if (tableKey == kTableInventory)
+        return std::make_unique<InventoryAssembler>(db, feedback);
+    if (tableKey == kTableLocations)
+        return std::make_unique<LocationAssembler>(db, feedback);
     return nullptr;
 }
 

@@ -2,6 +2,7 @@
 // output date and time formats of one export session.
 #include "export/export_assemblers.h"
 #include "export/export_session.h"
+#include "export/export_values.h"
 
 #include "foundation/conversions.h"
 #include "foundation/feedback.h"
@@ -178,7 +179,8 @@ ScanOutcome ExportSession::scanDatabase()
     ScanOutcome out;
     ExportAssembler* source = assembler();
     const bool dated = SelectionMode == kSelectionDate;
-    if (!source || !isTimeOrInventory())
+    const bool locations = msTableSelected == kTableLocations;
+    if (!source || (!isTimeOrInventory() && !locations))
         return out;
     if (dated && dateRange() != DateRange::Valid) {
         m_feedback.message(0, kInvalidTimeEntry, kBoxTitle);
@@ -190,15 +192,19 @@ ScanOutcome ExportSession::scanDatabase()
         clearRecordGrid();
     ExportRequest req = request();
     req.byDate = dated;
-    const qint64 count = source->count(req);
+    const qint64 count = source->scanCount(req, CancelRequested);
     if (count > 0)
         ExportRecordCount = qint32(count);
-    const bool nothing = dated ? count < 1 : (CancelRequested || count <= 0);
+    // Locations: a declined question ends as Cancel does; an empty or unreadable table shows
+    // nothing and leaves the selection as it is.
+    const bool nothing = dated      ? count < 1
+                         : locations ? CancelRequested
+                                     : (CancelRequested || count <= 0);
     if (nothing) {
         // Nothing to show: back to the state before the selection, as Cancel leaves it.
         cancelExport();
         out.selectionReset = true;
-    } else {
+    } else if (count > 0) {
         fillRecordGrid(source->preview(req, count));
     }
 
@@ -224,7 +230,7 @@ ScanOutcome ExportSession::scanDatabase()
     return out;
 }
 
-void ExportSession::formatColumn(const QString& name, std::vector<qint32>& saved, bool on)
+void ExportSession::formatColumn(const QString& name, std::vector<qint64>& saved, bool on)
 {
     CatalogueReady = false;
     const int rows = m_grid.rowCount();
@@ -236,10 +242,14 @@ void ExportSession::formatColumn(const QString& name, std::vector<qint32>& saved
                 continue;
             const QString cell = m_grid.text(c, r);
             if (on) {
-                saved[std::size_t(r)] = cellNumber(cell);
-                m_grid.setText(c, r, name == kDateField
-                                         ? ConvertField2StandardDate(cell)
-                                         : FormatStoredTime(cellNumber(cell), false));
+                // Times are read as the getter reads them, so the grid shows what the file gets.
+                if (name == kDateField) {
+                    saved[std::size_t(r)] = cellNumber(cell);
+                    m_grid.setText(c, r, ConvertField2StandardDate(cell));
+                } else {
+                    saved[std::size_t(r)] = storedTimeNumber(cell);
+                    m_grid.setText(c, r, formatStoredTimeText(cell));
+                }
             } else {
                 // A row the saved numbers do not cover cannot be restored: stop there.
                 if (r >= int(saved.size())) {

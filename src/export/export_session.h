@@ -193,8 +193,8 @@ public:
     qint32 CurrentTrackSubject = 0;
     std::vector<qint32> TrackSubjects;
     // Cell numbers of the record grid's Date and Time columns before formatting; index 0 unused.
-    std::vector<qint32> SavedDateNumbers;
-    std::vector<qint32> SavedTimeNumbers;
+    std::vector<qint64> SavedDateNumbers;
+    std::vector<qint64> SavedTimeNumbers;
     // Values of the line being written; indices 1 to FieldCount + 1 (index 0 unused).
     std::vector<QVariant> ExportRowBuffer;
 
@@ -202,7 +202,7 @@ private:
     void loadCatalogue();
     qint16 runAvailabilityCheck();
     DateRange setDate(QString& box, qint32& number, const QString& date);
-    void formatColumn(const QString& name, std::vector<qint32>& saved, bool on);
+    void formatColumn(const QString& name, std::vector<qint64>& saved, bool on);
     void fillRecordGrid(const PreviewResult& preview);
 
     cDAO& m_db;

@@ -1,7 +1,10 @@
 #include "export/export_values.h"
 
+#include "foundation/conversions.h"
+
 #include <charconv>
 #include <cmath>
+#include <limits>
 
 namespace tp {
 
@@ -85,6 +88,19 @@ bool isExportNumeric(const QString& s)
             ++digits;
         }
     }
+    // A power of ten, as another program may have stored a very large or small real.
+    if (digits > 0 && i < e && (s.at(i) == QLatin1Char('e') || s.at(i) == QLatin1Char('E'))) {
+        ++i;
+        if (i < e && (s.at(i) == QLatin1Char('+') || s.at(i) == QLatin1Char('-')))
+            ++i;
+        qsizetype exponentDigits = 0;
+        while (i < e && isDigit(s.at(i))) {
+            ++i;
+            ++exponentDigits;
+        }
+        if (exponentDigits == 0)
+            return false;
+    }
     return digits > 0 && i == e;
 }
 
@@ -160,17 +176,9 @@ QString formatExportNumber(double d)
     while (digits.size() > 1 && digits.back() == '0')
         digits.pop_back();
 
+    // Plain decimal whatever the size: a reader of the file never meets an exponent.
     std::string out = negative ? "-" : "";
-    if (exponent >= 21 || exponent < -7) {
-        out += digits[0];
-        if (digits.size() > 1)
-            out += '.' + digits.substr(1);
-        out += exponent < 0 ? "E-" : "E+";
-        const int a = std::abs(exponent);
-        if (a < 10)
-            out += '0';
-        out += std::to_string(a);
-    } else if (exponent >= 0) {
+    if (exponent >= 0) {
         const std::size_t whole = std::size_t(exponent) + 1;
         if (digits.size() <= whole) {
             out += digits + std::string(whole - digits.size(), '0');
@@ -181,6 +189,27 @@ QString formatExportNumber(double d)
         out += "0." + std::string(std::size_t(-exponent - 1), '0') + digits;
     }
     return QString::fromLatin1(out.data(), qsizetype(out.size()));
+}
+
+qint64 storedTimeNumber(const QString& text)
+{
+    const QString t = text.trimmed();
+    bool ok = false;
+    const qint64 whole = t.toLongLong(&ok);
+    if (ok)
+        return whole;
+    const double d = t.toDouble(&ok);
+    if (!ok || !std::isfinite(d))
+        return 0;
+    // Beyond 19 digits no clock text can come out of it: the largest whole number says so.
+    if (std::fabs(d) >= 9.2e18)
+        return d < 0 ? std::numeric_limits<qint64>::min() : std::numeric_limits<qint64>::max();
+    return qint64(std::nearbyint(d));
+}
+
+QString formatStoredTimeText(const QString& text)
+{
+    return FormatStoredTime(storedTimeNumber(text), false);
 }
 
 void appendExportLine(QString& out, const std::vector<ExportValue>& values)

@@ -31,12 +31,20 @@ ExportValue TypeValue(const QString& s, const QString& dataType);
 ExportValue TypeValue(const QString& s, FieldType type);
 
 // Numeric by the rules the files have always used: optional blanks, optional sign, digits
-// with an optional period and decimals. "007", " -12.50 ", ".5" are numeric; "1e5", "1,5" not.
+// with an optional period and decimals, an optional power of ten. "007", " -12.50 ", ".5",
+// "1E+21" are numeric; "1,5", "1e", "e5" not.
 bool isExportNumeric(const QString& s);
 
 // Shortest text that reads back as d, at most 15 significant digits, period as separator,
-// no exponent between 1e-7 and 1e21: 20050131, 12.5, -95.2, 0.5.
+// plain decimal whatever the size (no exponent): 20050131, 12.5, -95.2, 0.5, 0.00000001.
 QString formatExportNumber(double d);
+
+// A stored time as the getter and the record grid read it before formatting: the nearest
+// whole number (halves to the even one, as the old 32-bit reading did), 0 for a text that is
+// no number. Whole numbers of any size stay as they are.
+qint64 storedTimeNumber(const QString& text);
+// Format Time's text of a stored time: FormatStoredTime (24-hour) of storedTimeNumber.
+QString formatStoredTimeText(const QString& text);
 
 // One line of the file: values joined by commas, texts in double quotes (inner quotes
 // unchanged), #TRUE#/#FALSE#, #YYYY-MM-DD[ HH:MM:SS]#, ended by CR LF.

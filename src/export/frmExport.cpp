@@ -190,9 +190,9 @@ void frmExport::buildControls()
     root->addWidget(lstTables, 3);
     root->addWidget(fpFields, 3);
     root->addWidget(m_selectionPanel);
-    root->addWidget(fpRecords, 2);
+    root->addWidget(fpRecords, 3);
     root->addWidget(lblFilePreview);
-    root->addWidget(previewTextFile, 2);
+    root->addWidget(previewTextFile, 3);
     root->addWidget(m_actionBar);
     root->addWidget(StatBar);
 

@@ -4,10 +4,12 @@
 #include "foundation/globals.h"
 #include "ui/window_support.h"
 
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QTableWidget>
 
 namespace tp {
@@ -70,6 +72,12 @@ void frmExport::SelectDataSet()
         cmdPreviewExport->setEnabled(false);
 
     ui::placeWindow(this, 1000, 1000, 8700, 6855);
+    // Ten records must show at the default size; a larger window gives the grids the room.
+    const int rowHeight = fpRecords->verticalHeader()->defaultSectionSize();
+    fpRecords->setMinimumHeight(10 * rowHeight + fpRecords->horizontalHeader()->sizeHint().height() +
+                                2 * fpRecords->frameWidth() +
+                                fpRecords->horizontalScrollBar()->sizeHint().height());
+    resize(size().expandedTo(minimumSizeHint()));
     fpFields->setEnabled(m_session.AvailabilityResult == 1);
     m_session.reportAvailability();
 }

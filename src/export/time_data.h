@@ -1,61 +1,23 @@
 #pragma once
 // "Time Data": approved time records of JobTimeRecords, waiting under the request's export
 // identifier, with the employee names looked up in EmployeeInfo.
-#include "export/assembler.h"
-#include "export/lookups.h"
-
-#include <QHash>
-#include <memory>
-#include <optional>
+#include "export/waiting_records.h"
 
 namespace tp {
 
-inline const QString kLumtrekSettings = QStringLiteral("lumtrek.ini");
-
-class TimeAssembler : public ExportAssembler {
+class TimeAssembler : public WaitingRecordsAssembler {
 public:
-    // The 15 fields of the data set, in slot order.
-    static const QStringList& fieldNames();
-    // Slot of a field name (case counts); -1 for a name the data set does not know.
-    static int slotOf(const QString& fieldName);
-    // The getter: the stored slot text as the file gets it (Date and Time formatted on request).
-    static QString fieldText(int slot, const QString& stored, bool formatDate, bool formatTime);
+    // The 15 fields of the data set in slot order, their columns and the getter.
+    static const SlotTable& slotTable();
 
     TimeAssembler(cDAO& db, Feedback& feedback);
 
     qint16 available(const ExportRequest& request) override;
-    qint64 count(const ExportRequest& request) override;
-    PreviewResult preview(const ExportRequest& request, qint64 recordCount,
-                          int maxRows = 20) override;
-    LoadResult load(const ExportRequest& request, RecordSink& sink, bool& cancel) override;
     qint64 mark(const ExportRequest& request, const ExportedRows* rows) override;
 
-    Lookups& lookups() { return m_lookups; }
-
-private:
-    struct Names {
-        QString first, last;   // held names of the last look-up
-        QString single;        // the one Name of "lumtrek.ini"
-    };
-    struct CachedEmployee {
-        bool found = false;
-        QString first, last;
-    };
-    class Reader;
-
-    // "WHERE ..." of the selection; nullopt when the dates are not numbers.
-    std::optional<QString> where(const ExportRequest& request) const;
-    QString rowKey() const;
-    std::unique_ptr<Recordset> openSelection(const QString& sql);
-    QString selectSql(const ExportRequest& request, const QString& columns,
-                      const QString& condition) const;
-    void readFailed(const ExportRequest& request, qint64 index);
-    const CachedEmployee& employee(qint32 number, bool lumtrek);
-
-    cDAO& m_db;
-    Feedback& m_feedback;
-    Lookups m_lookups;
-    QHash<qint32, CachedEmployee> m_employees;   // one pass's look-ups
+protected:
+    QString keyExpression() const override;
+    QString orderBy(bool byDate) const override;
 };
 
 } // namespace tp

@@ -70,7 +70,7 @@ QString ConvertStandard2FieldDate(const QString& s)
     return t.right(4) + t.left(2) + mid(t, 4, 2);
 }
 
-QString FormatStoredTime(qint32 t, bool twelveHour)
+QString FormatStoredTime(qint64 t, bool twelveHour)
 {
     const QString d = QString::number(t);
     QString hours, minutes, seconds;

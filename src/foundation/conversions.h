@@ -9,7 +9,7 @@ inline const QString kInvalidParameter = QStringLiteral("ERROR:Invalid Parameter
 
 QString ConvertField2StandardDate(const QString& s);   // YYYYMMDD -> MM/DD/YYYY
 QString ConvertStandard2FieldDate(const QString& s);   // MM/DD/YYYY -> YYYYMMDD
-QString FormatStoredTime(qint32 t, bool twelveHour);   // HHMMSS number -> clock text
+QString FormatStoredTime(qint64 t, bool twelveHour);   // HHMMSS number -> clock text
 QDateTime GmtNow();
 bool FileExists(const QString& path);       // ordinary files and folders, hidden ones not found
 bool IsExistingFile(const QString& path);   // files incl. hidden/read-only, folders not

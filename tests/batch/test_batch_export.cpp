@@ -158,15 +158,6 @@ TEST_F(BatchExport, GatesRefuseAsTheWindowsDo)
     EXPECT_EQ(site.scalar("SELECT COUNT(*) FROM JobTimeRecords"), 6);
 }
 
-TEST_F(BatchExport, DataSetsNotBuiltYetSaySo)
-{
-    const BatchRun r = run({"export", "--settings", "KRV.ini", "--user", "1", "--dataset", "Inventory Data",
-                            "--fields", "InventoryNumber,Date", "--output", "inv.txt"});
-    EXPECT_EQ(r.exitCode, 1);
-    EXPECT_EQ(r.err, "Inventory Data is not available in this version.\n\n");
-    EXPECT_FALSE(QFile::exists(path("inv.txt")));
-}
-
 TEST_F(BatchExport, ImportChecksItsOptionsAndGateThenSaysItIsNotBuilt)
 {
     ASSERT_TRUE(writeBytes(path("vehicles.txt"), "VehicleNumber\r\n1\r\n"));

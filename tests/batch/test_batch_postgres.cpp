@@ -30,16 +30,15 @@ bool makeSite(Site& site, const QString& location, const QString& dbFolder, cons
            writeDemoSettings(site.settings.path(), dbFolder, dbName, error);
 }
 
-// Approved:ExportID counts, e.g. "2:1=80 1:0=528".
-QString markCounts(const QString& location)
+// Approved:ExportID counts of a table, e.g. "2:1=80 1:0=528".
+QString markCounts(const QString& location, const QString& table = QStringLiteral("JobTimeRecords"))
 {
     cDAO db;
     if (!db.DB_Connect(location, QString(), QStringLiteral("Admin"), QString()))
         return QStringLiteral("cannot open");
     QStringList counts;
-    RecordsetPtr rs = db.RecSet_Forward(QStringLiteral(
-        "Select Approved, ExportID, count(*) from JobTimeRecords group by Approved, ExportID "
-        "order by Approved, ExportID"));
+    RecordsetPtr rs = db.RecSet_Forward(QStringLiteral("Select Approved, ExportID, count(*) from ") + table +
+                                        QStringLiteral(" group by Approved, ExportID order by Approved, ExportID"));
     for (; rs && !rs->atEnd(); rs->moveNext())
         counts << QStringLiteral("%1:%2=%3").arg(rs->value(0).toInt()).arg(rs->value(1).toInt())
                       .arg(rs->value(2).toLongLong());
@@ -49,49 +48,93 @@ QString markCounts(const QString& location)
     return counts.join(QLatin1Char(' '));
 }
 
-TEST(BatchOnPostgres, SameFileAndMarksAsOnSqliteAndACleanExit)
-{
-    PgScratchDatabase pg;
-    if (!pg.ok() && pgTestUrl().isEmpty())
-        GTEST_SKIP() << kPgSkipMessage;
-    ASSERT_TRUE(pg.ok()) << pg.error().toStdString();
+// The same demo data on both engines.
+class BatchOnPostgres : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        if (!pg.ok() && pgTestUrl().isEmpty())
+            GTEST_SKIP() << kPgSkipMessage;
+        ASSERT_TRUE(pg.ok()) << pg.error().toStdString();
+        QString error;
+        const QString file = QDir(files.path()).filePath(QStringLiteral("demo.db"));
+        ASSERT_TRUE(makeSite(sqlite, file, files.path(), QStringLiteral("demo.db"), &error))
+            << error.toStdString();
+        const qsizetype cut = pg.url().lastIndexOf(QLatin1Char('/')) + 1;
+        ASSERT_TRUE(makeSite(postgres, pg.url(), pg.url().left(cut), pg.url().mid(cut), &error))
+            << error.toStdString();
+    }
 
+    struct Both {
+        QByteArray sqliteBytes, postgresBytes;
+        QString postgresOut;
+    };
+    // Runs "export" with arguments and an output file of its own on each site.
+    Both exportOnBoth(const QStringList& arguments, const QString& name)
+    {
+        Both both;
+        const QString binary = QStringLiteral(TP_BINARY_DIR "/tallyport-batch");
+        const QString liteOut = QDir(files.path()).filePath(QStringLiteral("sqlite-") + name);
+        const QString pgOut = QDir(files.path()).filePath(QStringLiteral("postgres-") + name);
+        const QStringList command = QStringList{QStringLiteral("export")} + arguments + QStringList{QStringLiteral("--output")};
+        const ProgramRun onSqlite = runProgram(binary, command + QStringList{liteOut}, sqlite.settings.path());
+        const ProgramRun onPostgres = runProgram(binary, command + QStringList{pgOut}, postgres.settings.path());
+        // A crash while closing the connection at exit would show here as -1.
+        EXPECT_EQ(onSqlite.exitCode, 0) << name.toStdString() << onSqlite.err.toStdString();
+        EXPECT_EQ(onPostgres.exitCode, 0) << name.toStdString() << onPostgres.err.toStdString();
+        QFile a(liteOut), b(pgOut);
+        EXPECT_TRUE(a.open(QIODevice::ReadOnly) && b.open(QIODevice::ReadOnly)) << name.toStdString();
+        both.sqliteBytes = a.readAll();
+        both.postgresBytes = b.readAll();
+        both.postgresOut = onPostgres.out;
+        return both;
+    }
+
+    PgScratchDatabase pg;
     QTemporaryDir files;
     Site sqlite, postgres;
-    QString error;
-    const QString file = QDir(files.path()).filePath(QStringLiteral("demo.db"));
-    ASSERT_TRUE(makeSite(sqlite, file, files.path(), QStringLiteral("demo.db"), &error))
-        << error.toStdString();
-    const qsizetype cut = pg.url().lastIndexOf(QLatin1Char('/')) + 1;
-    ASSERT_TRUE(makeSite(postgres, pg.url(), pg.url().left(cut), pg.url().mid(cut), &error))
-        << error.toStdString();
+};
+
+TEST_F(BatchOnPostgres, SameFileAndMarksAsOnSqliteAndACleanExit)
+{
     ASSERT_EQ(markCounts(sqlite.location), markCounts(postgres.location));
-
-    const QStringList arguments{
-        QStringLiteral("export"), QStringLiteral("--settings"), QStringLiteral("KRV.ini"),
-        QStringLiteral("--user"), QStringLiteral("1"), QStringLiteral("--dataset"),
-        QStringLiteral("Time Data"), QStringLiteral("--fields"),
-        QStringLiteral("EmployeeNumber=Emp,EmployeeFirstName,EmployeeLastName,Date,Time,"
-                       "OdometerReading,IsTimeInRecord"),
-        QStringLiteral("--from"), QStringLiteral("01/15/2024"), QStringLiteral("--to"),
-        QStringLiteral("01/31/2024"), QStringLiteral("--format-time"), QStringLiteral("--yes"),
-        QStringLiteral("--output")};
-    const QString binary = QStringLiteral(TP_BINARY_DIR "/tallyport-batch");
-    const QString liteOut = QDir(files.path()).filePath(QStringLiteral("sqlite.txt"));
-    const QString pgOut = QDir(files.path()).filePath(QStringLiteral("postgres.txt"));
-    const ProgramRun onSqlite = runProgram(binary, arguments + QStringList{liteOut}, sqlite.settings.path());
-    const ProgramRun onPostgres = runProgram(binary, arguments + QStringList{pgOut}, postgres.settings.path());
-    ASSERT_EQ(onSqlite.exitCode, 0) << onSqlite.err.toStdString();
-    // A crash while closing the connection at exit would show here as -1.
-    ASSERT_EQ(onPostgres.exitCode, 0) << onPostgres.err.toStdString();
-    EXPECT_EQ(onPostgres.out, QStringLiteral("Export Completed Successfully\n"));
-
-    QFile a(liteOut), b(pgOut);
-    ASSERT_TRUE(a.open(QIODevice::ReadOnly) && b.open(QIODevice::ReadOnly));
-    const QByteArray bytes = a.readAll();
-    EXPECT_GT(bytes.count("\r\n"), 50);
-    EXPECT_EQ(b.readAll(), bytes);
+    const Both both = exportOnBoth(
+        {"--settings", "KRV.ini", "--user", "1", "--dataset", "Time Data", "--fields",
+         "EmployeeNumber=Emp,EmployeeFirstName,EmployeeLastName,Date,Time,OdometerReading,IsTimeInRecord",
+         "--from", "01/15/2024", "--to", "01/31/2024", "--format-time", "--yes"},
+        QStringLiteral("time.txt"));
+    EXPECT_EQ(both.postgresOut, QStringLiteral("Export Completed Successfully\n"));
+    EXPECT_GT(both.sqliteBytes.count("\r\n"), 50);
+    EXPECT_EQ(both.postgresBytes, both.sqliteBytes);
     EXPECT_EQ(markCounts(postgres.location), markCounts(sqlite.location));
+}
+
+// Inventory, map locations (KRV.ini) and pinpoints (lumtrek.ini): the same bytes from both
+// engines, and the same inventory marks.
+TEST_F(BatchOnPostgres, OtherDataSetsGiveTheSameFilesAsOnSqlite)
+{
+    const QString inventory = QStringLiteral("InventoryHistory");
+    const QString before = markCounts(sqlite.location, inventory);
+    ASSERT_EQ(markCounts(postgres.location, inventory), before);
+
+    const std::pair<QStringList, const char*> runs[] = {
+        {{"--settings", "KRV.ini", "--user", "1", "--dataset", "Inventory Data", "--fields",
+          "InventoryHistoryID,EmployeeFirstName,EmployeeLastName,UsedQuantity,Date,Time", "--format-date", "--yes"},
+         "inventory.txt"},
+        {{"--settings", "KRV.ini", "--user", "1", "--dataset", "Map Locations Data", "--fields",
+          "LocationNumber,LocationName,Address2,ZipCode,Longitude,Latitude,BranchNumber"},
+         "map.txt"},
+        {{"--settings", "lumtrek.ini", "--user", "3", "--dataset", "Pinpoint Data", "--fields",
+          "PinpointName,Address1,City,Longitude,Latitude"},
+         "pinpoints.txt"}};
+    for (const auto& [arguments, name] : runs) {
+        const Both both = exportOnBoth(arguments, QLatin1String(name));
+        EXPECT_GT(both.sqliteBytes.count("\r\n"), 20) << name;
+        EXPECT_EQ(both.postgresBytes, both.sqliteBytes) << name;
+    }
+    EXPECT_EQ(markCounts(postgres.location, inventory), markCounts(sqlite.location, inventory));
+    // The waiting movements were marked on both.
+    EXPECT_NE(markCounts(sqlite.location, inventory), before);
 }
 
 } // namespace

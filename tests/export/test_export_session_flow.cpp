@@ -51,5 +51,35 @@ TEST_F(SessionFlow, DatesAreCheckedAndATickDropsRangeAndFormats)
     EXPECT_EQ(session.OutputColumnCount, 3);
 }
 
+TEST_F(SessionFlow, FormatTimeShowsInTheGridWhatTheFileGets)
+{
+    // Times that are no whole 32-bit number: a half, and a number too large for one.
+    for (qint64 id : {2, 3, 4})
+        addTimeOn(id, 20050131);
+    exec("UPDATE JobTimeRecords SET Time = 93000.5 WHERE NewTimeRecordID = 2");
+    exec("UPDATE JobTimeRecords SET Time = 93001.5 WHERE NewTimeRecordID = 3");
+    exec("UPDATE JobTimeRecords SET Time = 3000000000 WHERE NewTimeRecordID = 4");
+    choose(QStringLiteral("Time"));
+    ASSERT_TRUE(session.selectAllRecords());
+    ASSERT_EQ(session.scanDatabase().kind, ScanOutcome::Found);
+    session.setTimeFormat(true);
+    QStringList grid;
+    for (int r = 1; r <= session.recordGrid().rowCount(); ++r)
+        grid << session.recordGrid().text(2, r);
+    EXPECT_EQ(grid, QStringList({"14:30:05", "9:30:00", "9:30:02", "::"}));
+
+    const ExportJobResult saved = session.saveExportFile(path(QStringLiteral("times.txt")));
+    ASSERT_EQ(saved.outcome, ExportJobResult::Completed);
+    QByteArray expected = "\"Time\"\r\n";
+    for (const QString& clock : grid)
+        expected += '"' + clock.toLatin1() + "\"\r\n";
+    EXPECT_EQ(readFile(path(QStringLiteral("times.txt"))), expected);
+
+    // Undo brings back whole numbers, however large.
+    session.setTimeFormat(false);
+    EXPECT_EQ(session.recordGrid().text(2, 4), QStringLiteral("3000000000"));
+    EXPECT_EQ(session.recordGrid().text(2, 2), QStringLiteral("93000"));
+}
+
 } // namespace
 } // namespace tp::test

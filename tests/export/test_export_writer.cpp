@@ -1,12 +1,14 @@
 // Typing, number forms, line and preview texts, and the bytes the file writer leaves.
 #include "export/export_values.h"
 #include "export/export_writer.h"
+#include "export/waiting_records.h"
 #include "support/foundation_fixture.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
+#include <limits>
 
 namespace tp {
 namespace {
@@ -17,7 +19,10 @@ TEST(TypeValue, NumberBooleanDateAndTextRules)
 {
     // Each value typed and written alone on a line.
     const std::pair<QString, const char*> numbers[] = {
-        {"007", "7"}, {" -12.50 ", "-12.5"}, {".5", "0.5"}, {"+3", "3"}};
+        {"007", "7"}, {" -12.50 ", "-12.5"}, {".5", "0.5"}, {"+3", "3"},
+        // Powers of ten come out in plain decimal.
+        {"1e5", "100000"}, {"1E+21", "1000000000000000000000"}, {"1e-8", "0.00000001"},
+        {"-2.5E-3", "-0.0025"}};
     for (const auto& [text, written] : numbers) {
         const ExportValue v = TypeValue(text, "NUMBER");
         EXPECT_EQ(v.kind, ExportValue::Number) << text.toStdString();
@@ -27,7 +32,8 @@ TEST(TypeValue, NumberBooleanDateAndTextRules)
         {"True", "Boolean", "#TRUE#"}, {"False", "boolean", "#FALSE#"},
         {"01/31/2005", "Date", "#2005-01-31#"}, {"1/31/2005 14:05:00", "DATE", "#2005-01-31 14:05:00#"},
         // Not numeric, or not the exact form of its type: text.
-        {"", "Number", "\"\""}, {"01/31/2005", "Number", "\"01/31/2005\""}, {"1e5", "Number", "\"1e5\""},
+        {"", "Number", "\"\""}, {"01/31/2005", "Number", "\"01/31/2005\""}, {"1e", "Number", "\"1e\""},
+        {"e5", "Number", "\"e5\""}, {"1e+", "Number", "\"1e+\""}, {".e5", "Number", "\".e5\""},
         {"1,5", "Number", "\"1,5\""}, {"12a", "Number", "\"12a\""}, {"-", "Number", "\"-\""},
         {".", "Number", "\".\""}, {"09:30:00", "Number", "\"09:30:00\""}, {"17", "Text", "\"17\""},
         {"True", "Text", "\"True\""}, {"true", "Boolean", "\"true\""}, {"-1", "Boolean", "\"-1\""},
@@ -46,10 +52,46 @@ TEST(ExportNumber, ShortestFormWithAtMostFifteenDigits)
         {100000, "100000"},     {0.5, "0.5"},     {-0.25, "-0.25"},     {0.1 + 0.2, "0.3"},
         {1.0 / 3, "0.333333333333333"},           {2.0 / 3, "0.666666666666667"},
         {1e15, "1000000000000000"},               {123456789012345678.0, "123456789012346000"},
-        {-0.0, "0"},            {0.000125, "0.000125"},                 {1e-8, "1E-08"},
-        {2.5e22, "2.5E+22"},    {-180, "-180"},   {33.123456, "33.123456"}};
+        {-0.0, "0"},            {0.000125, "0.000125"},                 {-180, "-180"},
+        {33.123456, "33.123456"},
+        // Plain decimal whatever the size: no exponent ever reaches the file.
+        {1e21, "1000000000000000000000"},         {-1e21, "-1000000000000000000000"},
+        {2.5e22, "25000000000000000000000"},      {1e-7, "0.0000001"},
+        {1e-8, "0.00000001"},                     {-1.5e-9, "-0.0000000015"},
+        {1.23456789012345e-12, "0.00000000000123456789012345"}};
     for (const auto& [d, text] : cases)
         EXPECT_EQ(formatExportNumber(d), QString::fromLatin1(text)) << text;
+}
+
+TEST(ExportNumber, StoredRealsOfAnySizeAreWrittenUnquoted)
+{
+    // A Number field's value as the loaders read it from a real column, typed and written.
+    const std::pair<double, const char*> cases[] = {
+        {1e21, "1000000000000000000000"}, {1e-8, "0.00000001"}, {-4.5e25, "-45000000000000000000000000"},
+        {3e-10, "0.0000000003"}, {123.25, "123.25"}};
+    for (const auto& [d, written] : cases) {
+        const auto stored = storedText(QVariant(d), false);
+        ASSERT_TRUE(stored.has_value());
+        const ExportValue v = TypeValue(*stored, QStringLiteral("Number"));
+        EXPECT_EQ(v.kind, ExportValue::Number) << written;
+        EXPECT_EQ(exportLineText({v}), QLatin1String(written) + "\r\n");
+    }
+}
+
+TEST(StoredTime, WholeNumberAsTheGetterReadsIt)
+{
+    // Halves go to the even neighbour; whole numbers of any size stay whole; no number is 0.
+    const std::tuple<const char*, qint64, const char*> cases[] = {
+        {"93000", 93000, "9:30:00"},         {"93000.5", 93000, "9:30:00"},
+        {"93001.5", 93002, "9:30:02"},       {"93000.4", 93000, "9:30:00"},
+        {" 143005 ", 143005, "14:30:05"},    {"5", 5, "00:00:05"},
+        {"3000000000", 3000000000LL, "::"}, {"-7", -7, "00:00:-7"},
+        {"", 0, "00:00:00"},                 {"abc", 0, "00:00:00"},
+        {"1e30", std::numeric_limits<qint64>::max(), "::"}};
+    for (const auto& [text, number, clock] : cases) {
+        EXPECT_EQ(storedTimeNumber(QLatin1String(text)), number) << text;
+        EXPECT_EQ(formatStoredTimeText(QLatin1String(text)), QLatin1String(clock)) << text;
+    }
 }
 
 TEST(ExportLine, ValuesJoinedByCommasEndedByCrLf)

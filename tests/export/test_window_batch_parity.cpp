@@ -2,6 +2,7 @@
 // bytes and mark the same records.
 #include "export_window_fixture.h"
 
+#include "support/export_rows.h"
 #include "support/programs.h"
 
 namespace tp::test {
@@ -15,6 +16,48 @@ protected:
     QString marks()
     {
         return site.rows("Select NewTimeRecordID, Approved, ExportID from JobTimeRecords order by NewTimeRecordID");
+    }
+    QString inventoryMarks()
+    {
+        return site.rows("Select InventoryHistoryID, Approved, ExportID from InventoryHistory order by InventoryHistoryID");
+    }
+
+    // The window's road for one data set: choose, tick the rows in order, select all records
+    // (or the range), scan, format as asked, preview and create the file. Returns its bytes.
+    QByteArray windowFile(const char* commandLine, const QString& dataSet, std::initializer_list<int> rows,
+                          const QString& name, bool formats = false, bool dated = false)
+    {
+        open(commandLine);
+        clickListItem(child<QListWidget>("lstTables"), dataSet);
+        tick(rows);
+        if (dated) {
+            press("cmdDate");
+            pickDate(button("cmdStart"), 2005, 1, 15);
+            pickDate(button("cmdStop"), 2005, 1, 20);
+        } else {
+            press("cmdAll");
+        }
+        press("cmdOK");
+        if (formats) {
+            press("cmdFormatDate");
+            press("cmdFormatTime");
+        }
+        press("cmdPreviewExport");
+        const QString file = outFile(name);
+        dialogs.names.push_back(file);
+        press("cmdPreviewExport");
+        EXPECT_EQ(status(), QStringLiteral("Export Completed Successfully"));
+        window.reset();
+        return readBytes(file);
+    }
+    QByteArray batchFile(const QStringList& arguments, const QString& name)
+    {
+        const QString file = outFile(name);
+        const ProgramRun batch = runProgram(TP_BINARY_DIR "/tallyport-batch",
+                                            QStringList{"export"} + arguments + QStringList{"--output", file},
+                                            site.settingsFolder());
+        EXPECT_EQ(batch.exitCode, 0) << batch.err.toStdString();
+        return readBytes(file);
     }
 };
 
@@ -64,6 +107,62 @@ TEST_F(WindowBatchParity, DateRangeWithEditedHeaderAndFormatsGivesTheSameFileAnd
                                       "\"O'Hara\",\"01/15/2005\",\"00:00:05\",3\r\n"
                                       "\"Unknown\",\"01/19/2005\",\"8:00:00\",7\r\n"
                                       "\"O'Hara\",\"01/20/2005\",\"12:00:00\",4\r\n"));
+}
+
+TEST_F(WindowBatchParity, InventoryByDateWithFormatsGivesTheSameFileAndMarks)
+{
+    ASSERT_TRUE(site.exec(QStringLiteral("Delete from InventoryHistory")));
+    ASSERT_TRUE(site.exec(insertInventoryRows(
+        {{.id = 1, .employee = 9001, .date = 20050110}, {.id = 2, .employee = 9001, .date = 20050120, .time = 93000},
+         {.id = 3, .employee = 9002, .date = 20050115, .time = 5}, {.id = 4, .employee = 9001, .date = 20050116, .approved = 0},
+         {.id = 5, .employee = 9001, .date = 20050117, .approved = 2, .exportId = 1}})));
+    const QString before = inventoryMarks();
+
+    // EmployeeLastName, Date, Time, InventoryHistoryID
+    const QByteArray windowBytes =
+        windowFile("x,KRV.ini,true,1", QStringLiteral("Inventory Data"), {5, 8, 9, 1}, "inv-window.txt", true, true);
+    const QString windowMarks = inventoryMarks();
+    EXPECT_EQ(windowMarks, QStringLiteral("1:1:0 2:2:1 3:2:1 4:0:0 5:2:1"));
+    ASSERT_TRUE(site.exec(QStringLiteral("Update InventoryHistory set Approved = 1, ExportID = 0 where InventoryHistoryID in (2, 3)")));
+    ASSERT_EQ(inventoryMarks(), before);
+
+    const QByteArray batchBytes = batchFile(
+        {"--settings", "KRV.ini", "--user", "1", "--dataset", "Inventory Data", "--fields",
+         "EmployeeLastName,Date,Time,InventoryHistoryID", "--from", "01/15/2005", "--to", "01/20/2005",
+         "--format-date", "--format-time"},
+        "inv-batch.txt");
+    EXPECT_EQ(batchBytes, windowBytes);
+    EXPECT_EQ(inventoryMarks(), windowMarks);
+    EXPECT_EQ(windowBytes, QByteArray("\"EmployeeLastName\",\"Date\",\"Time\",\"InventoryHistoryID\"\r\n"
+                                      "\"Unknown\",\"01/15/2005\",\"00:00:05\",3\r\n"
+                                      "\"O'Hara\",\"01/20/2005\",\"9:30:00\",2\r\n"));
+}
+
+TEST_F(WindowBatchParity, MapLocationsAndPinpointsGiveTheSameFiles)
+{
+    ASSERT_TRUE(site.exec(QStringLiteral("Delete from CommonLocations")));
+    ASSERT_TRUE(site.exec(insertLocationRows({{.number = 4, .name = "Depot", .branch = 1},
+                                              {.number = 9, .name = "O'Neil \"Yard\"", .city = "Tyler", .branch = 2}})));
+    // BranchNumber, LocationName, City, LocationNumber, Longitude
+    const QByteArray mapWindow =
+        windowFile("x,KRV.ini,true,1", QStringLiteral("Map Locations Data"), {10, 2, 5, 1, 8}, "map-window.txt");
+    const QByteArray mapBatch = batchFile({"--settings", "KRV.ini", "--user", "1", "--dataset", "Map Locations Data",
+                                           "--fields", "BranchNumber,LocationName,City,LocationNumber,Longitude"},
+                                          "map-batch.txt");
+    EXPECT_EQ(mapBatch, mapWindow);
+    EXPECT_EQ(mapWindow, QByteArray("\"BranchNumber\",\"LocationName\",\"City\",\"LocationNumber\",\"Longitude\"\r\n"
+                                    "1,\"Depot\",\"Tulsa\",4,\"-95.9928\"\r\n"
+                                    "2,\"O'Neil \"Yard\"\",\"Tyler\",9,\"-95.9928\"\r\n"));
+
+    // PinpointName, State, Longitude under the other settings file, by a user without rights.
+    const QByteArray pinWindow =
+        windowFile("x,lumtrek.ini,true,3", QStringLiteral("Pinpoint Data"), {1, 5, 7}, "pin-window.txt");
+    const QByteArray pinBatch = batchFile({"--settings", "lumtrek.ini", "--user", "3", "--dataset", "Pinpoint Data",
+                                           "--fields", "PinpointName,State,Longitude"},
+                                          "pin-batch.txt");
+    EXPECT_EQ(pinBatch, pinWindow);
+    EXPECT_EQ(pinWindow, QByteArray("\"PinpointName\",\"State\",\"Longitude\"\r\n"
+                                    "\"Depot\",\"OK\",\"-95.9928\"\r\n\"O'Neil \"Yard\"\",\"OK\",\"-95.9928\"\r\n"));
 }
 
 } // namespace
