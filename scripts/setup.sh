@@ -3,7 +3,8 @@
 set -euo pipefail
 
 packages=(qt6-base-dev libqt6sql6-psql libsqlite3-dev libgtest-dev sqlite3 postgresql
-          xvfb xauth fonts-dejavu-core cmake g++)
+          xvfb xauth fonts-dejavu-core cmake g++
+          clang-14 libclang-rt-14-dev)   # scripts/fuzz.sh: clang with libFuzzer and the sanitizers
 
 missing=()
 for p in "${packages[@]}"; do

@@ -121,6 +121,9 @@ bool parsePgLocation(const QString& location, PgLocation& out)
         const QString userInfo = authority.left(at);
         authority = authority.mid(at + 1);
         const qsizetype colon = userInfo.indexOf(u':');
+        // An "@" of the user name must be written %40; the password may hold one as it is.
+        if (userInfo.left(colon).contains(u'@'))
+            return false;
         out.user = decoded(userInfo.left(colon));
         if (colon >= 0)
             out.password = decoded(userInfo.mid(colon + 1));

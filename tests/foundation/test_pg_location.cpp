@@ -54,7 +54,8 @@ TEST(PgLocationParse, RefusesWhatCannotBeConnectedTo)
                             "postgresql://u@::1:5432/db", "postgresql://[::1/db", "postgresql://[::1]x/db",
                             "postgresql://[127.0.0.1]/db", "postgresql://h/db?connect_timeout=0",
                             "postgresql://h/db?connect_timeout=-3", "postgresql://h/db?sslmode=maybe",
-                            "postgresql://h/a/b", "/srv/fleet/velo.db", "postgres://h/db"}) {
+                            "postgresql://h/a/b", "/srv/fleet/velo.db", "postgres://h/db",
+                            "postgresql://u@::1:@542/db" /* found by fuzzing: a user holding "@" */}) {
         PgLocation loc;
         EXPECT_FALSE(parsePgLocation(QString::fromUtf8(url), loc)) << url;
     }

@@ -6,7 +6,7 @@
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     tp::fuzz::Input in(data, size);
-    const qint32 stored = in.int32();
+    const qint32 stored = in.as<int32_t>();
     const bool twelve = in.byte() & 1;
     const QString text = in.text();
     QString phone = in.text();

@@ -13,7 +13,7 @@ namespace {
 
 const QTemporaryDir& folder()
 {
-    static QTemporaryDir dir;
+    static QTemporaryDir dir(tp::fuzz::scratchTemplate());
     return dir;
 }
 
@@ -22,7 +22,7 @@ const QTemporaryDir& folder()
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     tp::fuzz::Input in(data, size);
-    const double number = in.real();
+    const double number = in.as<double>();
     const tp::FileEncoding encoding = in.byte() & 1 ? tp::FileEncoding::Utf8 : tp::FileEncoding::Windows1252;
 
     if (std::isfinite(number) && (number == 0 || (std::fabs(number) >= 1e-6 && std::fabs(number) < 1e20))) {

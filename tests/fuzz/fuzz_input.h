@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <unistd.h>
 
 namespace tp::fuzz {
 
@@ -22,22 +23,20 @@ public:
     {
         return m_pos < m_size ? uint8_t(m_data[m_pos++]) : 0;
     }
-    int32_t int32()
-    {
-        uint32_t v = 0;
-        for (int i = 0; i < 4; ++i)
-            v = (v << 8) | byte();
-        int32_t out;
-        std::memcpy(&out, &v, sizeof out);
-        return out;
-    }
-    double real()
+    // The next sizeof(T) bytes, big-endian, as a T (missing bytes count as zero).
+    template <class T>
+    T as()
     {
         uint64_t v = 0;
-        for (int i = 0; i < 8; ++i)
+        for (size_t i = 0; i < sizeof(T); ++i)
             v = (v << 8) | byte();
-        double out;
-        std::memcpy(&out, &v, sizeof out);
+        T out;
+        if constexpr (sizeof(T) == 4) {
+            const uint32_t narrow = uint32_t(v);
+            std::memcpy(&out, &narrow, sizeof out);
+        } else {
+            std::memcpy(&out, &v, sizeof out);
+        }
         return out;
     }
     // UTF-8 text up to the next NUL byte (or the end).
@@ -64,6 +63,14 @@ private:
     size_t m_size;
     size_t m_pos = 0;
 };
+
+// Scratch files go to memory where the machine has it: a disk would make file-writing targets
+// a hundred times slower.
+inline QString scratchTemplate()
+{
+    const char* shm = "/dev/shm";
+    return QString::fromLatin1(access(shm, W_OK) == 0 ? shm : "/tmp") + QStringLiteral("/tallyport-fuzz-XXXXXX");
+}
 
 // A finding of a target's own check: reported as a crash, as a sanitizer's would be.
 [[noreturn]] inline void finding(const char* what)
