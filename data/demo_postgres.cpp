@@ -2,6 +2,7 @@
 // transaction, a few hundred rows per INSERT.
 #include "demo_content.h"
 #include "foundation/dao.h"
+#include "foundation/pg_location.h"
 #include "foundation/sql_literal.h"
 
 #include <QRegularExpression>
@@ -88,7 +89,7 @@ bool createPostgresDemo(const QString& location, const QString& schemaText, cons
     };
     cDAO db;
     if (!db.DB_Connect(location, QString(), QStringLiteral("Admin"), kDatabasePassword))
-        return failWith(QStringLiteral("Cannot connect to %1: %2").arg(location, db.errorText));
+        return failWith(QStringLiteral("Cannot connect to %1: %2").arg(maskPassword(location), db.errorText));
 
     const QStringList statements = schemaStatements(schemaText);
     static const QRegularExpression createTable(QStringLiteral("^CREATE TABLE\\s+(\\w+)"),
@@ -101,7 +102,7 @@ bool createPostgresDemo(const QString& location, const QString& schemaText, cons
     db.Records_Exist(QStringLiteral("Select top 1 * from UserNames"));
     const bool present = db.appError == 0;
     if (present && !options.replaceExisting)
-        return failWith(QStringLiteral("The database at %1 holds the tables already; not replaced.").arg(location));
+        return failWith(QStringLiteral("The database at %1 holds the tables already; not replaced.").arg(maskPassword(location)));
 
     if (!db.BeginTrans())
         return failWith(QStringLiteral("Cannot start a transaction: %1").arg(db.errorText));
@@ -117,7 +118,7 @@ bool createPostgresDemo(const QString& location, const QString& schemaText, cons
         ok = ok && (!isIndex(s) || sink.exec(s));
     if (!ok) {
         db.Rollback();
-        return failWith(QStringLiteral("Cannot fill %1: %2").arg(location, sink.error));
+        return failWith(QStringLiteral("Cannot fill %1: %2").arg(maskPassword(location), sink.error));
     }
     if (!db.CommitTrans())
         return failWith(QStringLiteral("Cannot commit: %1").arg(db.errorText));

@@ -2,7 +2,7 @@
 # A throwaway PostgreSQL cluster for the tests.
 #   pg-test-server.sh start DIR [PORT]   initialise DIR if needed, start, print the test URL
 #   pg-test-server.sh stop DIR           stop the cluster in DIR
-# Listens on 127.0.0.1 only, trusts local connections, has the superuser role "tallyport"
+# Listens on 127.0.0.1 (and ::1 where the machine has it), trusts local connections, has the superuser role "tallyport"
 # and the database "tallyport_test". Run as root it runs the server as the user "postgres"
 # (initdb refuses root); otherwise as the calling user.
 set -euo pipefail
@@ -42,7 +42,7 @@ start)
     else
         # Test data only: durability is not wanted, speed is.
         as_owner "$bindir/pg_ctl" -D "$data" -l "$log" -w -t 30 \
-            -o "-c listen_addresses=127.0.0.1 -p $port -k $run -c fsync=off -c synchronous_commit=off -c full_page_writes=off" \
+            -o "-c listen_addresses='127.0.0.1,::1' -p $port -k $run -c fsync=off -c synchronous_commit=off -c full_page_writes=off" \
             start >/dev/null || { tail -20 "$log" >&2; exit 1; }
     fi
     for _ in $(seq 1 50); do

@@ -4,7 +4,8 @@ set -euo pipefail
 
 packages=(qt6-base-dev libqt6sql6-psql libsqlite3-dev libgtest-dev sqlite3 postgresql
           xvfb xauth fonts-dejavu-core cmake g++
-          dpkg-dev desktop-file-utils man-db groff-base file)   # the package and its check
+          dpkg-dev desktop-file-utils man-db groff-base file   # the package and its check
+          clang-14 libclang-rt-14-dev)   # scripts/fuzz.sh: clang with libFuzzer and the sanitizers
 
 missing=()
 for p in "${packages[@]}"; do

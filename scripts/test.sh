@@ -1,11 +1,34 @@
 #!/usr/bin/env bash
 # Sets up, builds, starts a throwaway PostgreSQL server and runs every test.
+#   test.sh [Release|Debug]     into ./build
+#   test.sh --sanitize          into ./build-asan, built with AddressSanitizer and UBSan; any
+#                               finding fails its test (leaks only as tests/sanitizer/lsan.supp allows)
 # The exit status is ctest's.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
+builddir=build
+if [ "${1:-}" = --sanitize ]; then
+    shift
+    builddir=build-asan
+fi
+
 scripts/setup.sh
-scripts/build.sh "${1:-Release}"
+if [ "$builddir" = build-asan ]; then
+    flags="-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer -O1"
+    launcher=()
+    command -v ccache >/dev/null && launcher=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+    cmake -S . -B "$builddir" -DCMAKE_BUILD_TYPE=Debug "${launcher[@]}" \
+        -DCMAKE_CXX_FLAGS="$flags" -DCMAKE_C_FLAGS="$flags" \
+        -DCMAKE_EXE_LINKER_FLAGS="-fsanitize=address,undefined"
+    cmake --build "$builddir" -j"$(nproc 2>/dev/null || echo 2)"
+    supp=$PWD/tests/sanitizer/lsan.supp
+    export ASAN_OPTIONS=detect_leaks=1:abort_on_error=1:detect_stack_use_after_return=1
+    export LSAN_OPTIONS=suppressions=$supp:print_suppressions=0
+    export UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1
+else
+    scripts/build.sh "${1:-Release}"
+fi
 
 pgdir=$(mktemp -d "${TMPDIR:-/tmp}/tallyport-pg.XXXXXX")
 port=${TALLYPORT_TEST_PG_PORT:-55432}
@@ -35,5 +58,5 @@ export QT_QPA_PLATFORM=offscreen
 export XDG_RUNTIME_DIR=${XDG_RUNTIME_DIR:-$(mktemp -d "${TMPDIR:-/tmp}/tallyport-xdg.XXXXXX")}
 
 status=0
-(cd build && ctest --output-on-failure -j2) || status=$?
+(cd "$builddir" && ctest --output-on-failure -j2) || status=$?
 exit $status

@@ -1,6 +1,7 @@
 // tallyport-batch: the Export (and later Import) window's work without a window, for jobs
 // that run unattended. See --help and the "Batch tool" section of the README.
 #include "batch/batch_commands.h"
+#include "batch/batch_startup.h"
 #include "batch/console_feedback.h"
 #include "version.h"
 
@@ -29,6 +30,7 @@ int main(int argc, char** argv)
         break;
     }
 
+    describeRun(options);
     ConsoleFeedback console(options.yes);
     tp::setFeedback(&console);
     const int status = options.command == Command::Export

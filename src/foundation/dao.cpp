@@ -4,23 +4,13 @@
 #include "foundation/dao_engine.h"
 #include "foundation/feedback.h"
 #include "foundation/globals.h"
+#include "foundation/pg_location.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
 namespace tp {
-
-namespace {
-
-const QString kPgScheme = QStringLiteral("postgresql://");
-
-bool isPgLocation(const QString& location)
-{
-    return location.trimmed().startsWith(kPgScheme, Qt::CaseInsensitive);
-}
-
-} // namespace
 
 bool Recordset::refuse()
 {
@@ -299,14 +289,25 @@ bool cDAO::isPostgres() const
     return m_engine->conn ? m_engine->conn->dialect() == jet::Dialect::PostgreSQL : isPgLocation(databaseFile);
 }
 
+namespace {
+QString g_openError;
+} // namespace
+
+QString PrimaryOpenError()
+{
+    return g_openError;
+}
+
 bool OpenPrimaryDatabase()
 {
     if (SharedDatabase())
         return true;
     auto db = std::make_unique<cDAO>();
     const Globals& g = globals();
+    g_openError.clear();
     if (!db->DB_Connect(g.PrimaryDatabasePath + g.PrimaryDatabaseName, QString(), QStringLiteral("Admin"),
                         g.DatabasePassword)) {
+        g_openError = maskPassword(db->errorText);
         ShowMessage(1, QStringLiteral("Cannot open the database"));
         return false;
     }

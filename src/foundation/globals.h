@@ -22,6 +22,9 @@ struct Globals {
     double GPSTargetAreaDeviation = 0;
     bool Field6Flag = false;
     QString DatabasePassword;
+    // PRIMARY / LogFolder: where the program log goes when the database is on a PostgreSQL
+    // server (there is no database folder to put it beside).
+    QString LogFolder;
 };
 
 Globals& globals();

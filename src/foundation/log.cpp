@@ -3,6 +3,7 @@
 #include "foundation/conversions.h"
 #include "foundation/feedback.h"
 #include "foundation/globals.h"
+#include "foundation/pg_location.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -114,11 +115,26 @@ QString MachineName()
     return name;
 }
 
+QString LogFolder()
+{
+    const Globals& g = globals();
+    if (!isPgLocation(g.PrimaryDatabasePath))
+        return g.PrimaryDatabasePath;
+    if (!g.LogFolder.isEmpty())
+        return g.LogFolder;
+    const QString xdg = qEnvironmentVariable("XDG_STATE_HOME");
+    const QString folder = (xdg.isEmpty() ? QDir::homePath() + QStringLiteral("/.local/state") : xdg)
+                           + QStringLiteral("/tallyport/");
+    // The default folder is ours to make; a folder named in the settings is the site's.
+    QDir().mkpath(folder);
+    return folder;
+}
+
 void WriteLog(const QString& message)
 {
     try {
         const QString machine = MachineName();
-        const QString path = globals().PrimaryDatabasePath;
+        const QString path = LogFolder();
         // Before the settings are read there is no folder; the root would be a poor guess.
         if (path.isEmpty())
             return;
@@ -137,7 +153,7 @@ void WriteLog(const QString& message)
             if (!QFileInfo(folder).isDir())
                 feedback().message(1,
                                    QStringLiteral("Cannot access the path specified for the Primary System Path: ")
-                                       + folder + QStringLiteral(" ")
+                                       + maskPassword(folder) + QStringLiteral(" ")
                                        + QStringLiteral("Please check this path and restart the program."),
                                    QStringLiteral("Cannot locate the Path"));
             return abandon();

@@ -1,5 +1,6 @@
 #pragma once
-// The program log beside the database: STEM.LOG with ten older generations.
+// The program log beside the database (or in a folder of its own for a PostgreSQL database):
+// STEM.LOG with ten older generations.
 #include <QString>
 
 namespace tp {
@@ -11,6 +12,11 @@ void WriteLog(const QString& message);
 // Defaults to the running executable's name; tests and tools may set it.
 void setLogStem(const QString& stem);
 QString logStem();
+
+// The log's folder: PrimaryDatabasePath beside an SQLite file. With a PostgreSQL location:
+// the settings' LogFolder, else $XDG_STATE_HOME/tallyport, else ~/.local/state/tallyport
+// (these two are made when missing).
+QString LogFolder();
 
 // Closes the kept handle (tests; the next WriteLog opens the file again).
 void closeLog();

@@ -7,6 +7,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QRegularExpression>
 #include <QStringDecoder>
 
 #include <optional>
@@ -52,8 +53,9 @@ bool isBareName(const QString& fileName)
            && !fileName.contains(QLatin1Char(':'));
 }
 
-// Where the profile reader looks for the file: bare names live in the settings folder.
-QString locate(const QString& fileName)
+} // namespace
+
+QString SettingsFilePath(const QString& fileName)
 {
     if (!isBareName(fileName))
         return NativePath(fileName);
@@ -63,9 +65,16 @@ QString locate(const QString& fileName)
     return NativePath(folder) + fileName;
 }
 
+namespace {
+
 QString decode(const QByteArray& bytes)
 {
     QByteArray data = bytes;
+    // Notepad saves "Unicode" as UTF-16 with a byte-order mark.
+    if (data.startsWith("\xFF\xFE") || data.startsWith("\xFE\xFF")) {
+        QStringDecoder utf16(data.startsWith("\xFF\xFE") ? QStringDecoder::Utf16LE : QStringDecoder::Utf16BE);
+        return utf16(data.mid(2));
+    }
     if (data.startsWith("\xEF\xBB\xBF"))
         data.remove(0, 3);
     QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
@@ -78,12 +87,12 @@ QString decode(const QByteArray& bytes)
 }
 
 // Sections in file order; keys before the first section belong to none and are never found.
-std::optional<QList<IniSection>> load(const QString& fullName)
+QList<IniSection> parseSections(const QByteArray& bytes)
 {
-    QFile file(fullName);
-    if (!file.open(QIODevice::ReadOnly))
-        return std::nullopt;
-    const QString text = decode(file.readAll());
+    // CR LF, LF or a lone CR (old Mac editors) all end a line.
+    QString text = decode(bytes);
+    text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
+    text.replace(QLatin1Char('\r'), QLatin1Char('\n'));
     QList<IniSection> sections;
     IniSection* current = nullptr;
     for (const QString& raw : text.split(QLatin1Char('\n'))) {
@@ -107,6 +116,14 @@ std::optional<QList<IniSection>> load(const QString& fullName)
             current->keys.append({trimProfile(line.left(eq)), trimProfile(line.mid(eq + 1))});
     }
     return sections;
+}
+
+std::optional<QList<IniSection>> load(const QString& fullName)
+{
+    QFile file(fullName);
+    if (!file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    return parseSections(file.readAll());
 }
 
 const IniSection* findSection(const QList<IniSection>& sections, const QString& name)
@@ -151,26 +168,48 @@ struct ConversionError {};
 
 double toDouble(const QString& text)
 {
-    if (!isNumericText(text))
+    const auto d = SettingsNumber(text);
+    if (!d)
         throw ConversionError{};
-    bool ok = false;
-    const double d = TrimBlanks(text).toDouble(&ok);
-    if (!ok)
-        throw ConversionError{};
-    return d;
+    return *d;
 }
 
 bool toBoolean(const QString& text)
+{
+    const auto b = SettingsTruth(text);
+    if (!b)
+        throw ConversionError{};
+    return *b;
+}
+
+} // namespace
+
+std::optional<double> SettingsNumber(const QString& text)
+{
+    // The plain numeric text, or one with an exponent (5E-4, 1.5e+3), as the old conversion took.
+    static const QRegularExpression exponentForm(
+        QStringLiteral("^[+-]?([0-9]+\\.?[0-9]*|\\.[0-9]+)[eE][+-]?[0-9]+$"));
+    if (!isNumericText(text) && !exponentForm.match(TrimBlanks(text)).hasMatch())
+        return std::nullopt;
+    bool ok = false;
+    const double d = TrimBlanks(text).toDouble(&ok);
+    if (!ok)
+        return std::nullopt;   // out of range
+    return d;
+}
+
+std::optional<bool> SettingsTruth(const QString& text)
 {
     const QString t = TrimBlanks(text);
     if (t.compare(QLatin1String("True"), Qt::CaseInsensitive) == 0)
         return true;
     if (t.compare(QLatin1String("False"), Qt::CaseInsensitive) == 0)
         return false;
-    return toDouble(t) != 0;
+    const auto d = SettingsNumber(t);
+    if (!d)
+        return std::nullopt;
+    return *d != 0;
 }
-
-} // namespace
 
 QString SettingsFolder()
 {
@@ -181,6 +220,11 @@ QString SettingsFolder()
     if (!xdg.isEmpty())
         return xdg + QStringLiteral("/tallyport");
     return QDir::homePath() + QStringLiteral("/.config/tallyport");
+}
+
+QString ProfileStringFromBytes(const QByteArray& bytes, const QString& section, const QString& key)
+{
+    return profileString(parseSections(bytes), section, key);
 }
 
 QString GetOneIniKey(const QString& section, const QString& key, QString& value, const QVariant& fileName)
@@ -196,7 +240,7 @@ QString GetOneIniKey(const QString& section, const QString& key, QString& value,
     if (name.isEmpty())
         name = QStringLiteral("KRV.ini");
 
-    const QString fullName = locate(name);
+    const QString fullName = SettingsFilePath(name);
     const auto sections = load(fullName);
     if (sections)
         value = profileString(*sections, section, key);
@@ -230,6 +274,8 @@ bool SetGlobalsFromINIFile()
         return false;
     }
     g.PrimaryDatabaseName = value;
+    if (GetOneIniKey(QStringLiteral("PRIMARY"), QStringLiteral("LogFolder"), value, file).isEmpty())
+        g.LogFolder = value;
 
     try {
         if (GetOneIniKey(QStringLiteral("PRIMARY"), QStringLiteral("SevereError"), value, file).isEmpty())

@@ -257,4 +257,73 @@ TEST_F(LoaderTest, UnconvertibleValuesAreLogged)
     EXPECT_EQ(logText().count("Error occurred in SetGlobalsFromINIFile:Globals"), 2);
 }
 
+TEST(SettingsConversions, NumbersInExponentFormConvertAndOthersDoNot)
+{
+    const std::pair<const char*, double> numbers[] = {
+        {"5E-4", 0.0005}, {" 1.5e+3 ", 1500}, {"-2E2", -200}, {".5e1", 5}, {"7.e0", 7}, {"12.5", 12.5}, {"-0.5", -0.5}};
+    for (const auto& [text, expected] : numbers) {
+        const auto d = SettingsNumber(QString::fromLatin1(text));
+        ASSERT_TRUE(d.has_value()) << text;
+        EXPECT_DOUBLE_EQ(*d, expected) << text;
+    }
+    for (const char* text : {"1,5", "E5", "5E", "5E+", "1e5x", "0x10", "inf", "nan", "", "  ", "1e999", "--1"})
+        EXPECT_FALSE(SettingsNumber(QString::fromLatin1(text)).has_value()) << text;
+    EXPECT_EQ(SettingsTruth(QStringLiteral("1E0")), std::optional<bool>(true));
+    EXPECT_EQ(SettingsTruth(QStringLiteral("0e5")), std::optional<bool>(false));
+    EXPECT_EQ(SettingsTruth(QStringLiteral("yes")), std::nullopt);
+}
+
+TEST_F(LoaderTest, ExponentDeviationLoadsEverySettingAndThePassword)
+{
+    load(primary() + "Field6=1E0\n[GPS]\nGPSTargetAreaDeviation=5E-4\n");
+    EXPECT_TRUE(result);
+    EXPECT_DOUBLE_EQ(globals().GPSTargetAreaDeviation, 0.0005);
+    EXPECT_TRUE(globals().Field6Flag);
+    EXPECT_EQ(globals().DatabasePassword, QStringLiteral("MarlinGate"));
+    EXPECT_TRUE(logText().isEmpty()) << logText().constData();
+}
+
+// Notepad's "Unicode" (UTF-16 with a byte-order mark, either byte order) and files with lone
+// CR line ends read exactly like the plain ones.
+TEST_F(LoaderTest, EncodingsAndLineEndsAllReadAlike)
+{
+    const QString text = QStringLiteral("[PRIMARY]\nField1=C:\\Fleet\\Åsa\\\nField2=velo.db\nLogFolder=/var/log/tp\n"
+                                        "Field6=True\n[GPS]\nGPSTargetAreaDeviation=2.5E-1\n");
+    const QByteArray utf16le = QByteArray("\xFF\xFE") + QByteArray(reinterpret_cast<const char*>(text.utf16()),
+                                                                   text.size() * 2);
+    QByteArray utf16be = QByteArray("\xFE\xFF");
+    for (const QChar c : text)
+        utf16be += char(c.unicode() >> 8), utf16be += char(c.unicode() & 0xFF);
+    const std::pair<const char*, QByteArray> files[] = {
+        {"UTF-8, LF", text.toUtf8()},
+        {"UTF-8 with BOM, CR LF", "\xEF\xBB\xBF" + text.toUtf8().replace("\n", "\r\n")},
+        {"UTF-8, CR only", text.toUtf8().replace("\n", "\r")},
+        {"Windows-1252, CR only", text.toLatin1().replace("\n", "\r")},
+        {"UTF-16LE", utf16le},
+        {"UTF-16BE", utf16be},
+        {"UTF-16LE, CR only", QByteArray(utf16le).replace(QByteArray("\n\0", 2), QByteArray("\r\0", 2))},
+    };
+    for (const auto& [name, bytes] : files) {
+        SCOPED_TRACE(name);
+        resetGlobals();
+        load(bytes);
+        EXPECT_TRUE(result);
+        const Globals& g = globals();
+        EXPECT_EQ((QStringList{g.PrimaryDatabasePath, g.PrimaryDatabaseName, g.LogFolder, g.DatabasePassword}),
+                  (QStringList{QStringLiteral("C:\\Fleet\\Åsa\\"), "velo.db", "/var/log/tp", "MarlinGate"}));
+        EXPECT_DOUBLE_EQ(g.GPSTargetAreaDeviation, 0.25);
+        EXPECT_TRUE(g.Field6Flag);
+        EXPECT_EQ(ProfileStringFromBytes(bytes, "gps", "GPSTARGETAREADEVIATION"), "2.5E-1");
+        // A key present with an empty value is still told apart from a missing one.
+        EXPECT_EQ(read("PRIMARY", "Nothing"), "Key name was not found");
+    }
+}
+
+TEST_F(IniTest, SettingsFilePathNamesWhereAFileIsLookedFor)
+{
+    EXPECT_EQ(SettingsFilePath("KRV.ini"), settings.path() + "/KRV.ini");
+    EXPECT_EQ(SettingsFilePath("/etc/tp/KRV.ini"), "/etc/tp/KRV.ini");
+    EXPECT_EQ(SettingsFilePath("conf\\KRV.ini"), "conf/KRV.ini");
+}
+
 } // namespace

@@ -1,0 +1,1 @@
+SELECT [Date], [Time], UCase(Name) & " " & LCase(x) FROM [Job Time] WHERE Name = 'it''s' AND Flag=False

@@ -1,0 +1,1 @@
+Update JobTimeRecords Set ExportID=12, Approved=2 Where NewTimeRecordID in (1,2,3,5)

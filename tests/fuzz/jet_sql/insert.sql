@@ -1,0 +1,1 @@
+Insert into Permissions (UserID, FormCode, FormID) values (7, "IMP", 12)

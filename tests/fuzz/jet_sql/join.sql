@@ -1,0 +1,1 @@
+Select distinct t.*, e.EmployeeLastName from JobTimeRecords t inner join Employees e on t.EmployeeNumber = e.EmployeeNumber where t.Date between 20240115 and 20240119 -- x

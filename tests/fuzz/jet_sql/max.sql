@@ -1,0 +1,1 @@
+Select max(CustomerID) as maxim from Customers

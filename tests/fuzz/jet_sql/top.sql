@@ -1,0 +1,1 @@
+Select top 20 * from JobTimeRecords Where Approved=True And ExportID=0 order by NewTimeRecordID
