@@ -1,6 +1,7 @@
 #include "export/time_data.h"
 
 #include "export/availability.h"
+#include "export/export_marks.h"
 #include "export/export_values.h"
 #include "foundation/conversions.h"
 #include "foundation/dao.h"
@@ -161,11 +162,6 @@ std::optional<QString> TimeAssembler::where(const ExportRequest& request) const
     return sql;
 }
 
-QString TimeAssembler::rowKey() const
-{
-    return m_db.isPostgres() ? QStringLiteral("ctid") : QStringLiteral("rowid");
-}
-
 QString TimeAssembler::selectSql(const ExportRequest& request, const QString& columns,
                                  const QString& condition) const
 {
@@ -178,7 +174,7 @@ QString TimeAssembler::selectSql(const ExportRequest& request, const QString& co
     else if (request.byDate)
         order = QStringLiteral(" ORDER BY Date, rowid");
     return QStringLiteral("Select ") + columns +
-           (columns.isEmpty() ? QString() : QStringLiteral(", ")) + rowKey() +
+           (columns.isEmpty() ? QString() : QStringLiteral(", ")) + QStringLiteral("NewTimeRecordID") +
            QStringLiteral(" AS ") + kKeyAlias + QStringLiteral(" from JobTimeRecords ") +
            condition + order;
 }
@@ -369,7 +365,7 @@ LoadResult TimeAssembler::load(const ExportRequest& request, RecordSink& sink, b
     qint32 cachedNumber = 0;   // names of this employee are held
     QStringList values;
     ProgressThrottle throttle;
-    result.rows.keys.reserve(std::size_t(total));
+    result.rows.ids.reserve(std::size_t(total));
     qint64 i = 0;
     // The selection was counted above; rows that started to match since wait for the next export.
     while (!rs->atEnd() && i < total) {
@@ -405,6 +401,10 @@ LoadResult TimeAssembler::load(const ExportRequest& request, RecordSink& sink, b
                 values << QString();
             }
         }
+        // A record without its identity could never be marked: it cannot be exported.
+        qint64 id = 0;
+        if (ok)
+            id = rs->value(reader.keyIndex).toLongLong(&ok);
         if (!ok) {
             m_db.RS_Close(rs);
             readFailed(request, i);
@@ -416,7 +416,7 @@ LoadResult TimeAssembler::load(const ExportRequest& request, RecordSink& sink, b
             result.outcome = LoadOutcome::Aborted;
             return result;
         }
-        result.rows.keys.push_back(rs->value(reader.keyIndex));
+        result.rows.ids.push_back(id);
         result.count = i;
         rs->moveNext();
         if (throttle.due(i, total)) {
@@ -446,69 +446,11 @@ qint64 TimeAssembler::mark(const ExportRequest& request, const ExportedRows* row
     const auto condition = where(request);
     if (!condition)
         return -1;
-    const QString update = QStringLiteral("UPDATE JobTimeRecords SET ExportID = ExportID + 1, Approved = 2 ") + *condition;
-    const bool postgres = m_db.isPostgres();
-    auto scalar = [&](const QString& sql, qint64& out) {
-        RecordsetPtr rs = m_db.RecSet_Forward(sql);
-        if (!rs || rs->atEnd())
-            return false;
-        out = rs->value(0).toLongLong();
-        m_db.RS_Close(rs);
-        return true;
-    };
-    // Runs one UPDATE over the condition extra and adds the rows it changed to marked.
-    qint64 marked = 0;
-    auto markWhere = [&](const QString& extra) {
-        qint64 n = 0;
-        if (postgres || !rows) {
-            if (!scalar(QStringLiteral("Select COUNT(*) from JobTimeRecords ") + *condition + extra, n))
-                return false;
-        }
-        m_db.Exec(update + extra);
-        if (m_db.appError != 0 || m_db.error_code != 0)
-            return false;
-        if (!postgres && rows && !scalar(QStringLiteral("SELECT changes()"), n))
-            return false;
-        marked += n;
-        return true;
-    };
-
-    if (!rows) {
-        if (!m_db.BeginTrans())
-            return -1;
-        if (!markWhere(QString())) {
-            m_db.Rollback();
-            return -1;
-        }
-        if (!m_db.CommitTrans())
-            return -1;
-        if (marked == 0 && !request.byDate)
-            m_feedback.status(kNoneFound);
-        return marked;
-    }
-    if (rows->keys.empty())
-        return 0;
-    if (!m_db.BeginTrans())
-        return -1;
-    constexpr std::size_t kChunk = 4000;
-    for (std::size_t b = 0; b < rows->keys.size(); b += kChunk) {
-        QString in;
-        in.reserve(qsizetype(kChunk * 10));
-        const std::size_t e = std::min(rows->keys.size(), b + kChunk);
-        for (std::size_t k = b; k < e; ++k) {
-            if (k > b)
-                in += QLatin1Char(',');
-            const QVariant& key = rows->keys[k];
-            in += postgres ? sql::text(key.toString()) : sql::number(key.toLongLong());
-        }
-        if (!markWhere(QStringLiteral(" AND ") + rowKey() + QStringLiteral(" IN (") + in +
-                       QLatin1Char(')'))) {
-            m_db.Rollback();
-            return -1;
-        }
-    }
-    if (!m_db.CommitTrans())
-        return -1;
+    const qint64 marked = markExported(m_db, QStringLiteral("JobTimeRecords"),
+                                       QStringLiteral("NewTimeRecordID"), *condition,
+                                       rows ? &rows->ids : nullptr);
+    if (marked == 0 && !rows && !request.byDate)
+        m_feedback.status(kNoneFound);
     return marked;
 }
 

@@ -45,7 +45,6 @@ private:
 
     // "WHERE ..." of the selection; nullopt when the dates are not numbers.
     std::optional<QString> where(const ExportRequest& request) const;
-    QString rowKey() const;
     std::unique_ptr<Recordset> openSelection(const QString& sql);
     QString selectSql(const ExportRequest& request, const QString& columns,
                       const QString& condition) const;
