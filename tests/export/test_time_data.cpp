@@ -277,6 +277,51 @@ TEST_P(TimeExport, WriteErrorNamesTheCauseLeavesTheOldFileAndMarksNothing)
     EXPECT_EQ(QDir(dir.path()).entryList({"*.txt*"}, QDir::Files | QDir::Hidden), QStringList{"out.txt"});
 }
 
+// Stopped by a failure at each step of the save: the chosen name keeps the earlier file, no
+// record is marked and no file of the run is left behind; after the commit nothing is undone.
+TEST_P(TimeExport, FailureAtEachStepLeavesTheNameAsItWasAndMarksNothing)
+{
+    addMany(5);
+    const QByteArray old = "the file of an earlier night\r\n";
+    const char* const points[] = {"lines=3:fail", "synced:fail", "marked:fail", "renamed:fail"};
+    for (const char* point : points) {
+        SCOPED_TRACE(point);
+        ASSERT_TRUE(writeBytes(path("out.txt"), old));
+        qputenv("TALLYPORT_EXPORT_FAULT", point);
+        const ExportJobResult r = run({col("TimeRecordID")});
+        qunsetenv("TALLYPORT_EXPORT_FAULT");
+        EXPECT_EQ(r.outcome, ExportJobResult::Failed);
+        EXPECT_EQ(r.status, QString::fromLatin1(point).startsWith("lines")
+                                ? QStringLiteral("No space left on device. Export unsuccessful")
+                                : QStringLiteral("Injected failure. Export unsuccessful"));
+        EXPECT_EQ(output(), old);
+        EXPECT_EQ(scalar("SELECT COUNT(*) FROM JobTimeRecords WHERE Approved = 1 AND ExportID = 0"), 5);
+        EXPECT_EQ(QDir(dir.path()).entryList({"*.txt*"}, QDir::Files | QDir::Hidden), QStringList{"out.txt"});
+    }
+    qputenv("TALLYPORT_EXPORT_FAULT", "committed:fail");
+    const ExportJobResult r = run({col("TimeRecordID")});
+    qunsetenv("TALLYPORT_EXPORT_FAULT");
+    EXPECT_EQ(r.outcome, ExportJobResult::Completed);
+    EXPECT_EQ(output(), QByteArray("\"TimeRecordID\"\r\n1\r\n2\r\n3\r\n4\r\n5\r\n"));
+    EXPECT_EQ(scalar("SELECT COUNT(*) FROM JobTimeRecords WHERE Approved = 2 AND ExportID = 1"), 5);
+}
+
+// A record the product edits after the load is still marked (it is the same record); one
+// that stopped waiting is not, though it was written.
+TEST_P(TimeExport, MarksFollowTheRecordsIdentityNotItsPlace)
+{
+    addMany(4);
+    feedback.onYield = [&] {
+        db.Exec("UPDATE JobTimeRecords SET OdometerReading = 99, CustomerNumber = 7 WHERE NewTimeRecordID = 1");
+        db.Exec("UPDATE JobTimeRecords SET Approved = 0 WHERE NewTimeRecordID = 2");
+    };
+    const ExportJobResult r = run({col("TimeRecordID")});
+    EXPECT_EQ(r.records, 4);
+    EXPECT_EQ(r.marked, 3);
+    EXPECT_EQ(scalar("SELECT Approved * 10 + ExportID FROM JobTimeRecords WHERE NewTimeRecordID = 1"), 21);
+    EXPECT_EQ(scalar("SELECT Approved * 10 + ExportID FROM JobTimeRecords WHERE NewTimeRecordID = 2"), 0);
+}
+
 // The read-only refusal is checked through the Export window and the batch tool.
 TEST_P(TimeExport, NoNameOrNoFolderEndsTheSaveWithoutMarks)
 {
