@@ -25,6 +25,13 @@ const char* const kColumns[SlotCount] = {
     "IsTimeOutRecord", "OdometerReading", "Approved", "ExportId"};
 
 const QString kKeyAlias = QStringLiteral("tp_exportkey");
+const QString kRowAlias = QStringLiteral("tp_rowpos");
+const QString kDateAlias = QStringLiteral("tp_datepos");
+
+// An SQLite database lets no writer commit while a statement reads it, so the load reads
+// chunks of this many rows, each copied and its statement finished before the records go to
+// the file: the product's writers wait milliseconds, not the length of an export.
+constexpr int kChunkRows = 2000;
 const QString kReadErrorAll = QStringLiteral("Cannot read Time Record(s)");
 const QString kReadErrorDated = QStringLiteral("Cannot read Time record(s)");
 const QString kRecordsFound = QStringLiteral("  Record(s) found");
@@ -97,6 +104,7 @@ public:
     }
     bool bind(const Recordset& rs)
     {
+        indexes.clear();
         for (int slot : columnSlots) {
             const int index = slot < 0 ? -1 : rs.fieldIndex(QLatin1String(kColumns[slot]));
             if (slot >= 0 && index < 0)
@@ -105,6 +113,8 @@ public:
         }
         employeeIndex = needNames ? rs.fieldIndex(QLatin1String(kColumns[SlotEmployee])) : -1;
         keyIndex = rs.fieldIndex(kKeyAlias);
+        rowIndex = rs.fieldIndex(kRowAlias);
+        dateIndex = rs.fieldIndex(kDateAlias);
         return (!needNames || employeeIndex >= 0) && keyIndex >= 0;
     }
 
@@ -113,6 +123,8 @@ public:
     bool needNames = false;
     int employeeIndex = -1;
     int keyIndex = -1;
+    int rowIndex = -1;    // chunked reads: where the next chunk starts
+    int dateIndex = -1;
 };
 
 const QStringList& TimeAssembler::fieldNames()
@@ -163,20 +175,25 @@ std::optional<QString> TimeAssembler::where(const ExportRequest& request) const
 }
 
 QString TimeAssembler::selectSql(const ExportRequest& request, const QString& columns,
-                                 const QString& condition) const
+                                 const QString& condition, bool chunk) const
 {
     // Records come in stored order (ordered by date for a range). SQLite's rowid order is the
     // stored order; PostgreSQL moves a row whenever it is updated, so it is ordered by the id.
-    QString order;
+    QString order, position;
     if (m_db.isPostgres())
         order = request.byDate ? QStringLiteral(" ORDER BY Date, NewTimeRecordID, ctid")
                                : QStringLiteral(" ORDER BY NewTimeRecordID, ctid");
     else if (request.byDate)
         order = QStringLiteral(" ORDER BY Date, rowid");
-    return QStringLiteral("Select ") + columns +
-           (columns.isEmpty() ? QString() : QStringLiteral(", ")) + QStringLiteral("NewTimeRecordID") +
-           QStringLiteral(" AS ") + kKeyAlias + QStringLiteral(" from JobTimeRecords ") +
-           condition + order;
+    if (chunk) {
+        order = request.byDate ? QStringLiteral(" ORDER BY Date, rowid") : QStringLiteral(" ORDER BY rowid");
+        position = QStringLiteral(", rowid AS ") + kRowAlias +
+                   (request.byDate ? QStringLiteral(", Date AS ") + kDateAlias : QString());
+    }
+    return QStringLiteral("Select ") + (chunk ? QStringLiteral("top %1 ").arg(kChunkRows) : QString()) +
+           columns + (columns.isEmpty() ? QString() : QStringLiteral(", ")) +
+           QStringLiteral("NewTimeRecordID AS ") + kKeyAlias + position +
+           QStringLiteral(" from JobTimeRecords ") + condition + order;
 }
 
 RecordsetPtr TimeAssembler::openSelection(const QString& sql)
@@ -353,12 +370,22 @@ LoadResult TimeAssembler::load(const ExportRequest& request, RecordSink& sink, b
 
     Reader reader(request.fields);
     const auto condition = where(request);
-    RecordsetPtr rs = openSelection(selectSql(request, reader.selectList(), *condition));
-    if (!rs || !reader.bind(*rs)) {
+    const bool chunked = !m_db.isPostgres();
+    QString after;   // where the next chunk starts
+    auto open = [&]() {
+        RecordsetPtr chunk = chunked
+            ? m_db.RecSet_Stat(selectSql(request, reader.selectList(), *condition + after, true))
+            : openSelection(selectSql(request, reader.selectList(), *condition));
+        return chunk && reader.bind(*chunk) && (!chunked || reader.rowIndex >= 0) ? std::move(chunk)
+                                                                                 : RecordsetPtr();
+    };
+    RecordsetPtr rs = open();
+    if (!rs) {
         readFailed(request, 0);
         result.error = request.byDate ? kReadErrorDated : kReadErrorAll;
         return result;
     }
+    qint64 inChunk = 0;
 
     const bool lumtrek = request.settingsFile == kLumtrekSettings;
     Names held;
@@ -368,7 +395,21 @@ LoadResult TimeAssembler::load(const ExportRequest& request, RecordSink& sink, b
     result.rows.ids.reserve(std::size_t(total));
     qint64 i = 0;
     // The selection was counted above; rows that started to match since wait for the next export.
-    while (!rs->atEnd() && i < total) {
+    while (i < total) {
+        if (rs->atEnd()) {
+            if (!chunked || inChunk < kChunkRows)
+                break;
+            m_db.RS_Close(rs);
+            rs = open();
+            if (!rs) {
+                readFailed(request, i + 1);
+                result.error = request.byDate ? kReadErrorDated : kReadErrorAll;
+                return result;
+            }
+            inChunk = 0;
+            if (rs->atEnd())
+                break;
+        }
         ++i;
         values.clear();
         qint32 employeeNumber = 0;
@@ -418,6 +459,15 @@ LoadResult TimeAssembler::load(const ExportRequest& request, RecordSink& sink, b
         }
         result.rows.ids.push_back(id);
         result.count = i;
+        if (chunked && ++inChunk == kChunkRows) {
+            const QString row = sql::number(rs->value(reader.rowIndex).toLongLong());
+            after = QStringLiteral(" AND rowid > ") + row;
+            if (request.byDate) {
+                const QString date = sql::number(rs->value(reader.dateIndex).toLongLong());
+                after = QStringLiteral(" AND (Date > ") + date + QStringLiteral(" OR (Date = ") + date +
+                        QStringLiteral(" AND rowid > ") + row + QStringLiteral("))");
+            }
+        }
         rs->moveNext();
         if (throttle.due(i, total)) {
             m_feedback.yield();

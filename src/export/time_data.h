@@ -46,8 +46,10 @@ private:
     // "WHERE ..." of the selection; nullopt when the dates are not numbers.
     std::optional<QString> where(const ExportRequest& request) const;
     std::unique_ptr<Recordset> openSelection(const QString& sql);
+    // chunk: the first kChunkRows from a position added to condition, with the position's
+    // columns (SQLite loads).
     QString selectSql(const ExportRequest& request, const QString& columns,
-                      const QString& condition) const;
+                      const QString& condition, bool chunk = false) const;
     void readFailed(const ExportRequest& request, qint64 index);
     const CachedEmployee& employee(qint32 number, bool lumtrek);
 

@@ -5,7 +5,11 @@
 #include "time_fixture.h"
 
 #include <QFileInfo>
+#include <QElapsedTimer>
 #include <QRegularExpression>
+#include <QThread>
+#include <atomic>
+#include <thread>
 #include <sys/resource.h>
 #include <csignal>
 
@@ -320,6 +324,59 @@ TEST_P(TimeExport, MarksFollowTheRecordsIdentityNotItsPlace)
     EXPECT_EQ(r.marked, 3);
     EXPECT_EQ(scalar("SELECT Approved * 10 + ExportID FROM JobTimeRecords WHERE NewTimeRecordID = 1"), 21);
     EXPECT_EQ(scalar("SELECT Approved * 10 + ExportID FROM JobTimeRecords WHERE NewTimeRecordID = 2"), 0);
+}
+
+// A long export reads in pieces: every record once and in order across the pieces, by date
+// and not, and the product can write meanwhile (here while the export waits mid-file).
+TEST_P(TimeExport, LongLoadsReadEveryRecordOnceAndLetTheProductWrite)
+{
+    addMany(4500);
+    exec("UPDATE JobTimeRecords SET Date = 20050130 WHERE NewTimeRecordID > 3900");
+    feedback.defaultYes = true;
+    std::atomic<bool> midFile{false};
+    std::atomic<qint64> writeMs{-1};
+    feedback.onYield = [&] {
+        if (feedback.lastDone >= 2500)
+            midFile = true;
+    };
+    const QString location = usePostgres ? pg->url() : dbFile;
+    std::thread product([&] {
+        while (!midFile)
+            QThread::msleep(5);
+        cDAO other;
+        if (!other.DB_Connect(location, QString(), QStringLiteral("Admin"), QString()))
+            return;
+        QElapsedTimer clock;
+        clock.start();
+        other.Exec("INSERT INTO EmployeeInfo (EmployeeNumber, Name) VALUES (77, 'New')");
+        if (other.appError == 0)
+            writeMs = clock.elapsed();
+        other.DB_Close();
+    });
+    qputenv("TALLYPORT_EXPORT_FAULT", "lines=3000:sleep1500");
+    ExportJobResult r = run({col("TimeRecordID")});
+    qunsetenv("TALLYPORT_EXPORT_FAULT");
+    product.join();
+    EXPECT_GE(writeMs, 0);
+    EXPECT_LT(writeMs, 1000);   // a reader holding the database would keep it for the 1.5 s pause
+
+    QByteArray expected = "\"TimeRecordID\"\r\n";
+    for (int id = 1; id <= 4500; ++id)
+        expected += QByteArray::number(id) + "\r\n";
+    EXPECT_EQ(r.records, 4500);
+    EXPECT_EQ(output(), expected);
+    EXPECT_EQ(r.marked, 4500);
+
+    // By date: the later date's records first go last, each once.
+    exec("UPDATE JobTimeRecords SET Approved = 1, ExportID = 0");
+    r = run({col("TimeRecordID")}, dated("20050101", "20050131"));
+    expected = "\"TimeRecordID\"\r\n";
+    for (int id = 3901; id <= 4500; ++id)
+        expected += QByteArray::number(id) + "\r\n";
+    for (int id = 1; id <= 3900; ++id)
+        expected += QByteArray::number(id) + "\r\n";
+    EXPECT_EQ(output(), expected);
+    EXPECT_EQ(r.marked, 4500);
 }
 
 // The read-only refusal is checked through the Export window and the batch tool.
