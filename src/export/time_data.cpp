@@ -175,7 +175,7 @@ std::optional<QString> TimeAssembler::where(const ExportRequest& request) const
 }
 
 QString TimeAssembler::selectSql(const ExportRequest& request, const QString& columns,
-                                 const QString& condition, bool chunk) const
+                                 const QString& condition, bool chunk, int top) const
 {
     // Records come in stored order (ordered by date for a range). SQLite's rowid order is the
     // stored order; PostgreSQL moves a row whenever it is updated, so it is ordered by the id.
@@ -190,7 +190,9 @@ QString TimeAssembler::selectSql(const ExportRequest& request, const QString& co
         position = QStringLiteral(", rowid AS ") + kRowAlias +
                    (request.byDate ? QStringLiteral(", Date AS ") + kDateAlias : QString());
     }
-    return QStringLiteral("Select ") + (chunk ? QStringLiteral("top %1 ").arg(kChunkRows) : QString()) +
+    if (chunk)
+        top = kChunkRows;
+    return QStringLiteral("Select ") + (top > 0 ? QStringLiteral("top %1 ").arg(top) : QString()) +
            columns + (columns.isEmpty() ? QString() : QStringLiteral(", ")) +
            QStringLiteral("NewTimeRecordID AS ") + kKeyAlias + position +
            QStringLiteral(" from JobTimeRecords ") + condition + order;
@@ -252,8 +254,9 @@ PreviewResult TimeAssembler::preview(const ExportRequest& request, qint64 record
     Reader reader(request.fields);
     const auto condition = where(request);
     RecordsetPtr rs;
+    // Only the rows the grid shows are read.
     if (condition)
-        rs = openSelection(selectSql(request, reader.selectList(), *condition));
+        rs = openSelection(selectSql(request, reader.selectList(), *condition, false, std::max(maxRows, 1)));
     if (!rs || !reader.bind(*rs)) {
         readFailed(request, 0);
         result.failed = true;

@@ -47,9 +47,9 @@ private:
     std::optional<QString> where(const ExportRequest& request) const;
     std::unique_ptr<Recordset> openSelection(const QString& sql);
     // chunk: the first kChunkRows from a position added to condition, with the position's
-    // columns (SQLite loads).
+    // columns (SQLite loads). top > 0: only the first top rows.
     QString selectSql(const ExportRequest& request, const QString& columns,
-                      const QString& condition, bool chunk = false) const;
+                      const QString& condition, bool chunk = false, int top = 0) const;
     void readFailed(const ExportRequest& request, qint64 index);
     const CachedEmployee& employee(qint32 number, bool lumtrek);
 

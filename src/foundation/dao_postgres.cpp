@@ -260,7 +260,8 @@ public:
 
     bool fillIdTable(const QString& table, const std::vector<qint64>& ids, DbError& err) override
     {
-        if (!exec(QStringLiteral("CREATE TEMP TABLE IF NOT EXISTS %1 (id bigint PRIMARY KEY)").arg(table), err)
+        // No key: filling an index costs more than the hash join it would spare.
+        if (!exec(QStringLiteral("CREATE TEMP TABLE IF NOT EXISTS %1 (id bigint)").arg(table), err)
             || !exec(QStringLiteral("TRUNCATE %1").arg(table), err))
             return false;
         // Whole arrays of ids per statement: a few round trips, no statement per id.
@@ -277,8 +278,7 @@ public:
                 list += QByteArray::number(ids[i]);
             }
             list += '}';
-            if (!exec(QStringLiteral("INSERT INTO %1 SELECT DISTINCT unnest('%2'::bigint[]) "
-                                     "ON CONFLICT DO NOTHING")
+            if (!exec(QStringLiteral("INSERT INTO %1 SELECT unnest('%2'::bigint[])")
                           .arg(table, QString::fromLatin1(list)),
                       err))
                 return false;
