@@ -5,7 +5,7 @@
 // the same records from an SQLite file.
 // Needs TALLYPORT_TEST_PG (scripts/bench.sh export-time-pg starts a scratch server).
 // Last line: export-time-pg: ours=<s>s peer=<s>s ratio=<ours/peer> max_rss_mb=<MB>
-#include "demo_generator.h"
+#include "bench_demo.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -86,7 +86,9 @@ Child runChild(const QStringList& command, const QByteArray& settingsDir = QByte
     if (pid == 0) {
         if (!settingsDir.isEmpty())
             ::setenv("TALLYPORT_SETTINGS_DIR", settingsDir.constData(), 1);
-        if (::freopen("/dev/null", "w", stdout) == nullptr)
+        // Our runs' question blocks stay out of the report; psql's errors do not.
+        if (::freopen("/dev/null", "w", stdout) == nullptr
+            || (!settingsDir.isEmpty() && ::freopen("/dev/null", "w", stderr) == nullptr))
             ::_exit(127);
         ::execvp(argv[0], argv.data());
         ::_exit(127);
@@ -164,13 +166,7 @@ int main(int argc, char** argv)
     QTemporaryDir dir, oursSettings, liteSettings;
     const QString liteFile = QDir(dir.path()).filePath(QStringLiteral("bench.db"));
 
-    tp::DemoOptions options;
-    options.employees = kEmployees;
-    options.timeRecords = 0;
-    options.inventoryRecords = 0;
-    options.tracks = 0;
-    options.gpsPoints = 0;
-    options.replaceExisting = true;
+    const tp::DemoOptions options = timeBenchDemo(kEmployees);
     QString error;
     auto cleanup = [&] {
         QString ignored;

@@ -231,19 +231,6 @@ TEST_P(TimeExport, CancelStopsTheLoadAndLeavesFileAndRecords)
     EXPECT_EQ(scalar("SELECT COUNT(*) FROM JobTimeRecords WHERE Approved = 1"), 600);
 }
 
-TEST_P(TimeExport, RecordApprovedDuringTheExportIsNotMarked)
-{
-    addTime({.id = 1, .approved = 0});
-    addMany(3, 2);
-    // Approve the first record after the load has passed it.
-    feedback.onYield = [&] { db.Exec("UPDATE JobTimeRecords SET Approved = 1 WHERE NewTimeRecordID = 1"); };
-    const ExportJobResult r = run({col("TimeRecordID")});
-    EXPECT_EQ(output(), QByteArray("\"TimeRecordID\"\r\n2\r\n3\r\n4\r\n"));
-    EXPECT_EQ(r.marked, 3);
-    EXPECT_EQ(scalar("SELECT Approved * 10 + ExportID FROM JobTimeRecords WHERE NewTimeRecordID = 1"), 10);
-    EXPECT_EQ(scalar("SELECT COUNT(*) FROM JobTimeRecords WHERE Approved = 2 AND ExportID = 1"), 3);
-}
-
 TEST_P(TimeExport, NullValueFailsTheLoadAndMarksNothing)
 {
     addMany(3);
@@ -310,20 +297,25 @@ TEST_P(TimeExport, FailureAtEachStepLeavesTheNameAsItWasAndMarksNothing)
     EXPECT_EQ(scalar("SELECT COUNT(*) FROM JobTimeRecords WHERE Approved = 2 AND ExportID = 1"), 5);
 }
 
-// A record the product edits after the load is still marked (it is the same record); one
-// that stopped waiting is not, though it was written.
-TEST_P(TimeExport, MarksFollowTheRecordsIdentityNotItsPlace)
+// Marks go to the records written, by their identity, while they still wait: one the product
+// edits after the load is marked; one it stops or starts approving meanwhile is not.
+TEST_P(TimeExport, MarksFollowTheRecordsIdentityAndTheSelection)
 {
-    addMany(4);
+    addTime({.id = 1, .approved = 0});
+    addMany(4, 2);
     feedback.onYield = [&] {
-        db.Exec("UPDATE JobTimeRecords SET OdometerReading = 99, CustomerNumber = 7 WHERE NewTimeRecordID = 1");
-        db.Exec("UPDATE JobTimeRecords SET Approved = 0 WHERE NewTimeRecordID = 2");
+        db.Exec("UPDATE JobTimeRecords SET Approved = 1 WHERE NewTimeRecordID = 1");
+        db.Exec("UPDATE JobTimeRecords SET OdometerReading = 99, CustomerNumber = 7 WHERE NewTimeRecordID = 2");
+        db.Exec("UPDATE JobTimeRecords SET Approved = 0 WHERE NewTimeRecordID = 3");
     };
     const ExportJobResult r = run({col("TimeRecordID")});
+    EXPECT_EQ(output(), QByteArray("\"TimeRecordID\"\r\n2\r\n3\r\n4\r\n5\r\n"));
     EXPECT_EQ(r.records, 4);
     EXPECT_EQ(r.marked, 3);
-    EXPECT_EQ(scalar("SELECT Approved * 10 + ExportID FROM JobTimeRecords WHERE NewTimeRecordID = 1"), 21);
-    EXPECT_EQ(scalar("SELECT Approved * 10 + ExportID FROM JobTimeRecords WHERE NewTimeRecordID = 2"), 0);
+    EXPECT_EQ(scalar("SELECT Approved * 10 + ExportID FROM JobTimeRecords WHERE NewTimeRecordID = 1"), 10);
+    EXPECT_EQ(scalar("SELECT Approved * 10 + ExportID FROM JobTimeRecords WHERE NewTimeRecordID = 2"), 21);
+    EXPECT_EQ(scalar("SELECT Approved * 10 + ExportID FROM JobTimeRecords WHERE NewTimeRecordID = 3"), 0);
+    EXPECT_EQ(scalar("SELECT COUNT(*) FROM JobTimeRecords WHERE Approved = 2 AND ExportID = 1"), 3);
 }
 
 // A long export reads in pieces: every record once and in order across the pieces, by date
