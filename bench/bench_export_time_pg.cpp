@@ -43,7 +43,7 @@ QString fillSql(int records, bool postgres)
         "INSERT INTO JobTimeRecords (NewTimeRecordID, EmployeeNumber, VehicleBlock, Date, Time, "
         "JobRecordID, CustomerNumber, IsJobInRecord, IsTimeInRecord, IsJobOutRecord, "
         "IsTimeOutRecord, OdometerReading, Approved, ExportID) "
-        "SELECT i, 1 + (i * 7919) %% %1, 1 + i %% 30, 20240000 + (1 + i %% 12) * 100 + 1 + (i * 31) %% 28, "
+        "SELECT i, 1 + (i * 97) %% %1, 1 + i %% 30, 20240000 + (1 + i %% 12) * 100 + 1 + (i * 31) %% 28, "
         "((i * 13) %% 24) * 10000 + ((i * 17) %% 60) * 100 + (i * 19) %% 60, 5000 + i / 4, "
         "1 + (i * 3) %% 30, CASE WHEN i %% 4 = 1 THEN -1 ELSE 0 END, CASE WHEN i %% 4 = 0 THEN -1 ELSE 0 END, "
         "CASE WHEN i %% 4 = 2 THEN -1 ELSE 0 END, CASE WHEN i %% 4 = 3 THEN -1 ELSE 0 END, 12000 + i, 1, 0 "
