@@ -168,7 +168,9 @@ ExportJobResult runExport(const ExportJob& job, ExportAssembler& assembler, Feed
             db.Rollback();
         writer.restore();
         writer.discard();
-        return finish(ExportJobResult::Failed, cause + kExportUnsuccessful);
+        // A server's report can run over lines (context, state): the status takes the first.
+        return finish(ExportJobResult::Failed, cause.section(QLatin1Char('\n'), 0, 0).trimmed() +
+                                                   kExportUnsuccessful);
     };
     const QString injected = QStringLiteral("Injected failure");
     if (faults.at(QStringLiteral("synced")))
