@@ -189,7 +189,15 @@ ExportJobResult runExport(const ExportJob& job, ExportAssembler& assembler, Feed
     if (faults.at(QStringLiteral("renamed")))
         return undo(injected);
     if (!db.CommitTrans()) {
-        const QString cause = db.errorText;
+        const QString cause = db.errorText.section(QLatin1Char('\n'), 0, 0).trimmed();
+        // A server that went away during the commit may have committed it or not; nobody can
+        // tell from here. The file stays beside the earlier one, so no marked record is lost.
+        if (db.isPostgres() && !db.RecSet_Forward(QStringLiteral("Select 1"))) {
+            const QString kept = writer.keepCopy(QStringLiteral(".unconfirmed"));
+            if (!kept.isEmpty())
+                return undo(cause + QStringLiteral("; the records may have been marked: the file "
+                                                   "written is kept as ") + kept);
+        }
         return undo(cause);
     }
     begun = false;

@@ -357,6 +357,18 @@ bool ExportFileWriter::restore()
     return ok;
 }
 
+QString ExportFileWriter::keepCopy(const QString& suffix)
+{
+    if (!m_inPlace || m_direct)
+        return QString();
+    const QString copy = m_target + suffix;
+    ::unlink(native(copy).constData());
+    if (::link(native(m_target).constData(), native(copy).constData()) != 0)
+        return QString();
+    syncFolder(QFileInfo(m_target).absolutePath());
+    return copy;
+}
+
 void ExportFileWriter::closeFile()
 {
     if (m_fd >= 0 && m_ownFd)

@@ -51,6 +51,9 @@ public:
     void commit();
     // Undoes putInPlace: the chosen name holds what it held before (or nothing).
     bool restore();
+    // After putInPlace: the file also goes by the target's name plus suffix, which it keeps
+    // after a restore. Returns that name, empty when it could not be made.
+    QString keepCopy(const QString& suffix);
     // Abandons an unfinished or finished run before putInPlace.
     void discard();
 

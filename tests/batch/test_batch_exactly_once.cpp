@@ -380,6 +380,29 @@ TEST_P(ExactlyOnce, FailedWritesMarksAndWaitsLeaveTheNameAsItWas)
     EXPECT_TRUE(leftovers().isEmpty()) << leftovers().join(' ').toStdString();
 }
 
+// The server goes away between the rename and the commit: whether the marks were committed
+// cannot be known, so the chosen name keeps the earlier file and the new one is kept beside it.
+TEST_P(ExactlyOnce, ServerLostAtTheCommitKeepsBothFiles)
+{
+    if (!GetParam())
+        GTEST_SKIP() << "an SQLite commit either happens or reports that it did not";
+    writeOld(QStringLiteral("night.txt"));
+    auto p = start(QStringLiteral("night.txt"), QStringLiteral("renamed:sleep2000"));
+    QThread::msleep(1200);
+    ASSERT_TRUE(pg->run(QStringLiteral("SELECT pg_terminate_backend(pid) FROM pg_stat_activity "
+                                       "WHERE datname = current_database() AND pid <> pg_backend_pid() "
+                                       "AND state = 'idle in transaction'")));
+    const ProgramRun r = finish(*p);
+    EXPECT_EQ(r.exitCode, 1);
+    const QString kept = path(QStringLiteral("night.txt.unconfirmed"));
+    EXPECT_TRUE(r.out.contains(QStringLiteral("; the records may have been marked: the file written is kept as ") + kept))
+        << r.out.toStdString();
+    EXPECT_TRUE(r.out.endsWith(QStringLiteral(". Export unsuccessful\n")));
+    EXPECT_EQ(bytes(QStringLiteral("night.txt")), kOldFile);
+    EXPECT_EQ(fileIds(QStringLiteral("night.txt.unconfirmed")).size(), initial.size());
+    EXPECT_EQ(waiting(), initial);   // here the commit never reached the server
+}
+
 TEST_P(ExactlyOnce, StandardOutputCarriesTheFileAndTheStatusGoesToStandardError)
 {
     const ProgramRun r = run(QStringLiteral("-"));
