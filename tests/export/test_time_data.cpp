@@ -1,6 +1,7 @@
 // The time-data export against real SQLite files: counts, previews, streamed loads, the file
 // the save flow writes and the marks it leaves.
 #include "export/export_job.h"
+#include "export/export_lock.h"
 #include "export/time_data.h"
 #include "time_fixture.h"
 
@@ -369,6 +370,41 @@ TEST_P(TimeExport, LongLoadsReadEveryRecordOnceAndLetTheProductWrite)
         expected += QByteArray::number(id) + "\r\n";
     EXPECT_EQ(output(), expected);
     EXPECT_EQ(r.marked, 4500);
+}
+
+// Another export holding the data set's lock: the run waits, saying so, and the Cancel button
+// or the end of the wait stops it with nothing written or marked; once free, it runs.
+TEST_P(TimeExport, AnotherExportsLockIsWaitedForWithinBounds)
+{
+    addMany(3);
+    cDAO other;
+    ASSERT_TRUE(other.DB_Connect(usePostgres ? pg->url() : dbFile, QString(), QStringLiteral("Admin"), QString()));
+    ScriptedFeedback otherFeedback;
+    ExportLock held(other, otherFeedback);
+    const bool never = false;
+    ASSERT_EQ(held.acquire(kTableTime, never), ExportLock::Outcome::Taken);
+
+    feedback.onYield = [&] { cancel = feedback.yields > 3; };
+    ExportJobResult r = run({col("TimeRecordID")});
+    EXPECT_EQ(r.outcome, ExportJobResult::Cancelled);
+    EXPECT_EQ(r.status, kFileNameEmpty);
+    EXPECT_TRUE(feedback.statuses.contains(
+        QStringLiteral("Waiting for another export of these records to finish (up to 60 s) ...")));
+
+    cancel = false;
+    feedback.onYield = nullptr;
+    qputenv("TALLYPORT_EXPORT_WAIT", "1");
+    r = run({col("TimeRecordID")});
+    qunsetenv("TALLYPORT_EXPORT_WAIT");
+    EXPECT_EQ(r.outcome, ExportJobResult::Failed);
+    EXPECT_EQ(r.status, QStringLiteral("Another export of these records is still running after 1 s. Export unsuccessful"));
+    EXPECT_FALSE(QFileInfo::exists(path("out.txt")));
+    EXPECT_EQ(scalar("SELECT COUNT(*) FROM JobTimeRecords WHERE Approved = 1"), 3);
+
+    held.release();
+    r = run({col("TimeRecordID")});
+    EXPECT_EQ(r.outcome, ExportJobResult::Completed);
+    EXPECT_EQ(r.marked, 3);
 }
 
 // The read-only refusal is checked through the Export window and the batch tool.
