@@ -4,7 +4,7 @@
 // Also times the scan of a million waiting records (count and first 20 rows), as "Scan
 // Database" runs it. Both go through the Export window's session, as the window drives it.
 // Last line: export-time: ours=<s>s peer=<s>s ratio=<ours/peer>
-#include "demo_generator.h"
+#include "bench_demo.h"
 #include "export/export_session.h"
 #include "foundation/dao.h"
 #include "foundation/feedback.h"
@@ -162,12 +162,7 @@ int main(int argc, char** argv)
     const QString scan = QDir(dir.path()).filePath(QStringLiteral("scan.db"));
     tp::globals().SettingsFileName = QStringLiteral("KRV.ini");
 
-    tp::DemoOptions options;
-    options.employees = kEmployees;
-    options.timeRecords = 0;
-    options.inventoryRecords = 0;
-    options.tracks = 0;
-    options.gpsPoints = 0;
+    const tp::DemoOptions options = timeBenchDemo(kEmployees);
     QString error;
     if (!tp::createDemoDatabase(ours, options, &error) || !QFile::copy(ours, scan)
         || !fillTimeRecords(ours, kRecords, &error) || !QFile::copy(ours, peer)

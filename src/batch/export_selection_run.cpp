@@ -46,14 +46,18 @@ int selectScanAndSave(ExportSession& session, const Options& options, ConsoleFee
     session.setTimeFormat(options.formatTime && scan.timeFormat);
 
     feedback.status(kSavingFile);
-    const ExportJobResult result =
-        session.saveExportFile(QFileInfo(options.output).absoluteFilePath(), options.encoding);
+    // "-" is standard output, which then carries the file alone; the last word goes with the
+    // messages.
+    const bool toStdout = options.output == kStandardOutput;
+    if (toStdout)
+        out = stderr;
+    const ExportJobResult result = session.saveExportFile(
+        toStdout ? options.output : QFileInfo(options.output).absoluteFilePath(), options.encoding);
     switch (result.outcome) {
     case ExportJobResult::Completed:
-        if (result.marked < 0 && session.isTimeOrInventory())
-            feedback.note(QStringLiteral("The exported records could not be marked as exported; "
-                                         "they will be offered again."));
         return finishWithStatus(feedback, out, ExitSuccess);
+    case ExportJobResult::NothingLeft:
+        break;
     case ExportJobResult::NoFileName:
     case ExportJobResult::Cancelled:
     case ExportJobResult::Declined:

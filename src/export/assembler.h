@@ -37,11 +37,10 @@ struct PreviewResult {
     bool timeFilled = false;           // some "Time" cell got a value
 };
 
-// The rows a load handed out, so that exactly those are marked afterwards. Keys are what the
-// data set's assembler names a row by (inventory: InventoryHistoryID; time: the engine's row
-// identity, SQLite rowid or PostgreSQL ctid, valid only for marking soon after the load).
+// The records a load handed out, by their own identity (NewTimeRecordID, InventoryHistoryID),
+// so that exactly those are marked afterwards.
 struct ExportedRows {
-    std::vector<QVariant> keys;
+    std::vector<qint64> ids;
 };
 
 enum class LoadOutcome {
@@ -87,12 +86,15 @@ public:
     // The first min(recordCount, maxRows) records for the record grid.
     virtual PreviewResult preview(const ExportRequest& request, qint64 recordCount,
                                   int maxRows = 20) = 0;
-    // Streams every selected record to sink. cancel is the owner's flag: tested between
-    // records after letting the user interface run; set when the user declines.
+    // Streams every selected record to sink, reading the selection afresh (an export of a
+    // data set that marks runs with the data set's export lock held, so a second run reads
+    // only what the first left). cancel is the owner's flag: tested between records after
+    // letting the user interface run; set when the user declines.
     virtual LoadResult load(const ExportRequest& request, RecordSink& sink, bool& cancel) = 0;
-    // Marks records as exported. With rows: only those rows (and only while they still match
-    // the selection); without: every record the selection matches now. Returns the number
-    // marked, -1 after a failure.
+    // Marks records as exported (see markExported): with rows, those records that still
+    // match the selection; without, every record the selection matches now. Never begins or
+    // commits a transaction: the save flow keeps the marks uncommitted until its file is in
+    // place. Returns the number marked, -1 after a failure.
     virtual qint64 mark(const ExportRequest& request, const ExportedRows* rows) = 0;
 };
 

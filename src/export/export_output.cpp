@@ -68,6 +68,7 @@ ExportJobResult ExportSession::saveExportFile(const QString& fileName, FileEncod
     job.fileName = fileName;
     job.encoding = encoding;
     job.markAfterSuccess = isTimeOrInventory();
+    job.database = &m_db;
 
     m_feedback.busy(true);
     ExportRecordCount = 0;

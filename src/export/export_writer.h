@@ -1,13 +1,17 @@
 #pragma once
-// Writes an export text file: one file handle for the run, lines buffered and written whole.
-// The lines go to a hidden file beside the target, which replaces the target when the run
-// ends, so a cancelled run leaves the target as it was. After a write error the target holds
-// what was written completely: the header line and the complete record lines before it.
+// Writes an export text file so that the chosen name only ever holds a complete file: the
+// lines go to a temporary file beside the final target (a symbolic link is followed to it),
+// which is flushed to disk and then renamed over the target; the file it replaces is kept
+// aside until the caller commits, so that a failure after the rename can put it back. A
+// target that exists and is not a regular file (a FIFO, a device) and "-" (standard output)
+// are written directly. Temporary files of runs that were killed are removed by the next
+// run that writes into the same folder.
+#include "export/export_faults.h"
 #include "export/export_values.h"
 
-#include <QFile>
 #include <QString>
 #include <QStringList>
+#include <vector>
 
 namespace tp {
 
@@ -17,45 +21,72 @@ inline const QString kReadOnlyFileMessage = QStringLiteral(
     "Sorry, cannot save to READ-ONLY file !\rTips:\r- Make this file writable;\r"
     "- Select another file;\r- Create new file.");
 
+// The name that means standard output.
+inline const QString kStandardOutput = QStringLiteral("-");
+
 // The file exists and may not be written (its owner-write permission is off, or the
 // process may not write it).
 bool isReadOnlyFile(const QString& fileName);
 
+// Removes the temporary files that killed runs left in folder: only files named as this
+// writer names them and that no living writer holds. Returns how many went.
+int removeAbandonedFiles(const QString& folder);
+
 class ExportFileWriter {
 public:
     explicit ExportFileWriter(FileEncoding encoding = FileEncoding::Windows1252);
-    ~ExportFileWriter();   // an open run not finished is discarded
+    ~ExportFileWriter();   // whatever is not committed is undone
     ExportFileWriter(const ExportFileWriter&) = delete;
     ExportFileWriter& operator=(const ExportFileWriter&) = delete;
 
     bool open(const QString& fileName);
     bool writeHeader(const QStringList& headers);
     bool writeLine(const std::vector<ExportValue>& values);
-    // Writes what is buffered and puts the file in place. False after any error.
+    // Writes what is buffered and flushes the file to disk. The chosen name is untouched.
     bool finish();
-    // Abandons the run: the target keeps what it held before.
+    // After finish: the file takes the chosen name (owner, group and mode of a file it
+    // replaces kept), the folder flushed to disk. The replaced file stays aside.
+    bool putInPlace();
+    // The run stands: the replaced file is dropped.
+    void commit();
+    // Undoes putInPlace: the chosen name holds what it held before (or nothing).
+    bool restore();
+    // After putInPlace: the file also goes by the target's name plus suffix, which it keeps
+    // after a restore. Returns that name, empty when it could not be made.
+    QString keepCopy(const QString& suffix);
+    // Abandons an unfinished or finished run before putInPlace.
     void discard();
-    // After a failed write: keep the complete lines written so far as the target.
-    void keepPartial();
 
-    bool isOpen() const { return m_file.isOpen(); }
+    // Written straight into the target (standard output, a FIFO, a device): what was
+    // written cannot be taken back.
+    bool isDirect() const { return m_direct; }
+    bool isOpen() const { return m_fd >= 0; }
     qint64 linesWritten() const { return m_lines; }
     QString errorString() const { return m_error; }
+    // The file the lines end up in (a symbolic link's final target).
+    QString targetPath() const { return m_target; }
 
 private:
     bool flush();
     bool fail(const QString& error);
+    bool failErrno(int error);
     QByteArray encode(const QString& text) const;
-    bool putInPlace();
+    bool openTemporary(const QString& folder, const QString& name);
+    void closeFile();
 
     FileEncoding m_encoding;
-    QString m_target;
-    QString m_workName;     // the file being written; the target itself when written directly
+    ExportFaults m_faults;
+    QString m_target;       // final target path
+    QString m_workName;     // temporary file; empty when written directly
+    QString m_asideName;    // the replaced file while the run is not committed
+    int m_fd = -1;
+    bool m_ownFd = true;
     bool m_direct = false;
+    bool m_inPlace = false;
     bool m_targetExisted = false;
-    QFile m_file;
+    unsigned m_mode = 0;
+    unsigned m_uid = 0, m_gid = 0;
     QString m_pending;
-    qint64 m_complete = 0;  // bytes of complete lines on disk
     qint64 m_lines = 0;
     QString m_error;
 };

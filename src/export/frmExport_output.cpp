@@ -129,6 +129,7 @@ void frmExport::CreateExportFile()
         break;
     case ExportJobResult::ReadOnlyRefused:
     case ExportJobResult::Failed:
+    case ExportJobResult::NothingLeft:
         cmdCancelClose->setText(kClose);
         break;
     }

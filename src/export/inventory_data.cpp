@@ -20,6 +20,10 @@ const WaitingRecordsStyle& style()
 {
     static const WaitingRecordsStyle s{
         .table = kTable,
+        .idColumn = kIdColumn,
+        .postgresOrder = " ORDER BY InventoryHistoryID",
+        .postgresDatedOrder = " ORDER BY Date, InventoryHistoryID",
+        .markNoneFound = "0 Record(s) found",
         .employeeColumn = "EmployeeID",
         .loadErrorAll = "Cannot read Inventory record",
         .previewErrorAll = "Cannot read Inventory record(s)",
@@ -61,32 +65,10 @@ InventoryAssembler::InventoryAssembler(cDAO& db, Feedback& feedback)
 {
 }
 
-QString InventoryAssembler::keyExpression() const
-{
-    return kIdColumn;
-}
-
-QString InventoryAssembler::orderBy(bool byDate) const
-{
-    return byDate ? QStringLiteral(" ORDER BY Date, InventoryHistoryID")
-                  : QStringLiteral(" ORDER BY InventoryHistoryID");
-}
-
 qint16 InventoryAssembler::available(const ExportRequest& request)
 {
     qint32 records = 0;
     return avail::InventoryRecordsAvailable(m_db, m_feedback, request.exportId, records);
-}
-
-qint64 InventoryAssembler::mark(const ExportRequest& request, const ExportedRows* rows)
-{
-    const auto condition = where(request);
-    if (!condition)
-        return -1;
-    const qint64 marked = markExported(m_db, kTable, *condition, kIdColumn, rows);
-    if (marked == 0 && !rows && !request.byDate)
-        m_feedback.status(QStringLiteral("0 Record(s) found"));
-    return marked;
 }
 
 } // namespace tp

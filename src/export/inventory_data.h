@@ -15,11 +15,6 @@ public:
     InventoryAssembler(cDAO& db, Feedback& feedback);
 
     qint16 available(const ExportRequest& request) override;
-    qint64 mark(const ExportRequest& request, const ExportedRows* rows) override;
-
-protected:
-    QString keyExpression() const override;
-    QString orderBy(bool byDate) const override;
 };
 
 } // namespace tp

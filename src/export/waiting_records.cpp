@@ -1,5 +1,6 @@
 #include "export/waiting_records.h"
 
+#include "export/export_marks.h"
 #include "export/export_values.h"
 #include "foundation/conversions.h"
 #include "foundation/dao.h"
@@ -11,6 +12,13 @@ namespace tp {
 namespace {
 
 const QString kKeyAlias = QStringLiteral("tp_exportkey");
+const QString kRowAlias = QStringLiteral("tp_rowpos");
+const QString kDateAlias = QStringLiteral("tp_datepos");
+
+// An SQLite database lets no writer commit while a statement reads it, so a load reads chunks
+// of this many rows, each statement finished before the next: the product's writers wait
+// milliseconds, not the length of an export.
+constexpr int kChunkRows = 2000;
 
 QString retrievingText(qint64 i, qint64 total)
 {
@@ -98,6 +106,7 @@ public:
     }
     bool bind(const Recordset& rs)
     {
+        indexes.clear();
         for (int slot : columnSlots) {
             const int index = slot < 0 ? -1 : rs.fieldIndex(m_slots.columns.at(slot));
             if (slot >= 0 && index < 0)
@@ -106,6 +115,8 @@ public:
         }
         employeeIndex = needNames ? rs.fieldIndex(m_employeeColumn) : -1;
         keyIndex = rs.fieldIndex(kKeyAlias);
+        rowIndex = rs.fieldIndex(kRowAlias);
+        dateIndex = rs.fieldIndex(kDateAlias);
         return (!needNames || employeeIndex >= 0) && keyIndex >= 0;
     }
     // The employee of the current record (0 when no name is wanted); nullopt when unreadable.
@@ -125,6 +136,8 @@ public:
     bool needNames = false;
     int employeeIndex = -1;
     int keyIndex = -1;
+    int rowIndex = -1;    // chunked reads: where the next chunk starts
+    int dateIndex = -1;
 
 private:
     const SlotTable& m_slots;
@@ -153,13 +166,23 @@ std::optional<QString> WaitingRecordsAssembler::where(const ExportRequest& reque
 }
 
 QString WaitingRecordsAssembler::selectSql(const ExportRequest& request, const Reader& reader,
-                                           const QString& condition) const
+                                           const QString& condition, bool chunk, int top) const
 {
+    QString order, position;
+    if (m_db.isPostgres())
+        order = request.byDate ? m_style.postgresDatedOrder : m_style.postgresOrder;
+    else if (request.byDate || chunk)
+        order = request.byDate ? QStringLiteral(" ORDER BY Date, rowid") : QStringLiteral(" ORDER BY rowid");
+    if (chunk) {
+        position = QStringLiteral(", rowid AS ") + kRowAlias +
+                   (request.byDate ? QStringLiteral(", Date AS ") + kDateAlias : QString());
+        top = kChunkRows;
+    }
     const QString columns = reader.selectList();
-    return QStringLiteral("Select ") + columns +
-           (columns.isEmpty() ? QString() : QStringLiteral(", ")) + keyExpression() +
-           QStringLiteral(" AS ") + kKeyAlias + QStringLiteral(" from ") + m_style.table +
-           QLatin1Char(' ') + condition + orderBy(request.byDate);
+    return QStringLiteral("Select ") + (top > 0 ? QStringLiteral("top %1 ").arg(top) : QString()) +
+           columns + (columns.isEmpty() ? QString() : QStringLiteral(", ")) + m_style.idColumn +
+           QStringLiteral(" AS ") + kKeyAlias + position + QStringLiteral(" from ") + m_style.table +
+           QLatin1Char(' ') + condition + order;
 }
 
 void WaitingRecordsAssembler::readFailed(const ExportRequest& request, qint64 index,
@@ -211,7 +234,8 @@ PreviewResult WaitingRecordsAssembler::preview(const ExportRequest& request, qin
     const auto condition = where(request);
     RecordsetPtr rs;
     if (condition)
-        rs = m_db.RecSet_Forward(selectSql(request, reader, *condition));
+        // Only the rows the grid shows are read.
+        rs = m_db.RecSet_Forward(selectSql(request, reader, *condition, false, std::max(maxRows, 1)));
     if (!rs || !reader.bind(*rs)) {
         readFailed(request, 0, true);
         result.failed = true;
@@ -313,22 +337,46 @@ LoadResult WaitingRecordsAssembler::load(const ExportRequest& request, RecordSin
 
     Reader reader(m_slots, m_style.employeeColumn, request.fields);
     const auto condition = where(request);
-    RecordsetPtr rs = m_db.RecSet_Forward(selectSql(request, reader, *condition));
-    if (!rs || !reader.bind(*rs)) {
+    const bool chunked = !m_db.isPostgres();
+    QString after;   // where the next chunk starts
+    auto open = [&]() {
+        RecordsetPtr chunk = chunked
+            ? m_db.RecSet_Stat(selectSql(request, reader, *condition + after, true))
+            : m_db.RecSet_Forward(selectSql(request, reader, *condition));
+        return chunk && reader.bind(*chunk) && (!chunked || reader.rowIndex >= 0) ? std::move(chunk)
+                                                                                 : RecordsetPtr();
+    };
+    RecordsetPtr rs = open();
+    if (!rs) {
         readFailed(request, 0, false);
         result.error = request.byDate ? m_style.errorDated : m_style.loadErrorAll;
         return result;
     }
+    qint64 inChunk = 0;
 
     const bool lumtrek = request.settingsFile == kLumtrekSettings;
     QString first, last;        // names of the employee looked up last
     qint32 cachedNumber = 0;    // 0 at the start of every load, as the old loaders kept it
     QStringList values;
     ProgressThrottle throttle;
-    result.rows.keys.reserve(std::size_t(total));
+    result.rows.ids.reserve(std::size_t(total));
     qint64 i = 0;
     // The selection was counted above; rows that started to match since wait for the next export.
-    while (!rs->atEnd() && i < total) {
+    while (i < total) {
+        if (rs->atEnd()) {
+            if (!chunked || inChunk < kChunkRows)
+                break;
+            m_db.RS_Close(rs);
+            rs = open();
+            if (!rs) {
+                readFailed(request, i + 1, false);
+                result.error = request.byDate ? m_style.errorDated : m_style.loadErrorAll;
+                return result;
+            }
+            inChunk = 0;
+            if (rs->atEnd())
+                break;
+        }
         ++i;
         values.clear();
         const auto employeeNumber = reader.employee(*rs);
@@ -354,6 +402,10 @@ LoadResult WaitingRecordsAssembler::load(const ExportRequest& request, RecordSin
                 values << QString();
             }
         }
+        // A record without its identity could never be marked: it cannot be exported.
+        qint64 id = 0;
+        if (ok)
+            id = rs->value(reader.keyIndex).toLongLong(&ok);
         if (!ok) {
             m_db.RS_Close(rs);
             readFailed(request, i, false);
@@ -365,8 +417,17 @@ LoadResult WaitingRecordsAssembler::load(const ExportRequest& request, RecordSin
             result.outcome = LoadOutcome::Aborted;
             return result;
         }
-        result.rows.keys.push_back(rs->value(reader.keyIndex));
+        result.rows.ids.push_back(id);
         result.count = i;
+        if (chunked && ++inChunk == kChunkRows) {
+            const QString row = sql::number(rs->value(reader.rowIndex).toLongLong());
+            after = QStringLiteral(" AND rowid > ") + row;
+            if (request.byDate) {
+                const QString date = sql::number(rs->value(reader.dateIndex).toLongLong());
+                after = QStringLiteral(" AND (Date > ") + date + QStringLiteral(" OR (Date = ") + date +
+                        QStringLiteral(" AND rowid > ") + row + QStringLiteral("))");
+            }
+        }
         rs->moveNext();
         if (!throttle.due(i, total))
             continue;
@@ -392,51 +453,15 @@ LoadResult WaitingRecordsAssembler::load(const ExportRequest& request, RecordSin
     return result;
 }
 
-qint64 markExported(cDAO& db, const QString& table, const QString& condition,
-                    const QString& idColumn, const ExportedRows* rows)
+qint64 WaitingRecordsAssembler::mark(const ExportRequest& request, const ExportedRows* rows)
 {
-    // Ids are whole numbers; anything else cannot name a row of ours.
-    QStringList ids;
-    if (rows) {
-        if (rows->keys.empty())
-            return 0;
-        ids.reserve(qsizetype(rows->keys.size()));
-        for (const QVariant& key : rows->keys) {
-            bool ok = false;
-            const qint64 id = key.toLongLong(&ok);
-            if (!ok)
-                return -1;
-            ids << sql::number(id);
-        }
-    }
-    if (!db.BeginTrans())
+    const auto condition = where(request);
+    if (!condition)
         return -1;
-    // One UPDATE over the condition and extra; its rows are counted first, in the transaction.
-    qint64 marked = 0;
-    auto markWhere = [&](const QString& extra) {
-        RecordsetPtr rs = db.RecSet_Forward(QStringLiteral("Select COUNT(*) from ") + table +
-                                            QLatin1Char(' ') + condition + extra);
-        if (!rs || rs->atEnd())
-            return false;
-        marked += rs->value(0).toLongLong();
-        db.RS_Close(rs);
-        db.Exec(QStringLiteral("UPDATE ") + table +
-                QStringLiteral(" SET ExportID = ExportID + 1, Approved = 2 ") + condition + extra);
-        return db.appError == 0 && db.error_code == 0;
-    };
-    bool ok = true;
-    constexpr qsizetype kChunk = 4000;
-    if (!rows)
-        ok = markWhere(QString());
-    for (qsizetype b = 0; ok && b < ids.size(); b += kChunk)
-        ok = markWhere(QStringLiteral(" AND ") + idColumn + QStringLiteral(" IN (") +
-                       ids.mid(b, kChunk).join(QLatin1Char(',')) + QLatin1Char(')'));
-    if (!ok) {
-        db.Rollback();
-        return -1;
-    }
-    if (!db.CommitTrans())
-        return -1;
+    const qint64 marked = markExported(m_db, m_style.table, m_style.idColumn, *condition,
+                                       rows ? &rows->ids : nullptr);
+    if (marked == 0 && !rows && !request.byDate)
+        m_feedback.status(m_style.markNoneFound);
     return marked;
 }
 

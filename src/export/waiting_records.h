@@ -38,6 +38,11 @@ struct SlotTable {
 // Where time and inventory differ in what they tell the user and how their loads run.
 struct WaitingRecordsStyle {
     QString table;                    // "JobTimeRecords"
+    QString idColumn;                 // the record's own identity, by which it is marked
+    // PostgreSQL moves a row whenever it is updated, so its order names columns; SQLite reads
+    // in stored order (rowid), by date for a range.
+    QString postgresOrder, postgresDatedOrder;
+    QString markNoneFound;            // status of a marking of all records that found none
     QString employeeColumn;           // whose names are looked up
     QString loadErrorAll;             // load and count failed, all waiting records
     QString previewErrorAll;          // preview failed, all waiting records
@@ -58,17 +63,13 @@ public:
     PreviewResult preview(const ExportRequest& request, qint64 recordCount,
                           int maxRows = 20) override;
     LoadResult load(const ExportRequest& request, RecordSink& sink, bool& cancel) override;
+    qint64 mark(const ExportRequest& request, const ExportedRows* rows) override;
 
     Lookups& lookups() { return m_lookups; }
 
 protected:
     WaitingRecordsAssembler(cDAO& db, Feedback& feedback, const SlotTable& slotTable,
                             const WaitingRecordsStyle& style);
-
-    // The value a load keeps per record so that exactly those records are marked.
-    virtual QString keyExpression() const = 0;
-    // " ORDER BY ..." of the selection (records in stored order, by date for a range).
-    virtual QString orderBy(bool byDate) const = 0;
 
     // "WHERE ..." of the selection; nullopt when the dates are not numbers.
     std::optional<QString> where(const ExportRequest& request) const;
@@ -84,8 +85,10 @@ private:
     };
     class Reader;
 
+    // chunk: the next rows of an SQLite load after the position added to condition, with the
+    // position's columns. top > 0: only the first top rows.
     QString selectSql(const ExportRequest& request, const Reader& reader,
-                      const QString& condition) const;
+                      const QString& condition, bool chunk = false, int top = 0) const;
     const CachedEmployee& employee(qint32 number, bool lumtrek);
 
     const SlotTable& m_slots;
@@ -98,11 +101,5 @@ private:
 // user said No (cancel is then set); true: go on (cancel cleared after a Yes).
 bool confirmLongExport(Feedback& feedback, qint64 total, bool& cancel);
 
-// Marks records as exported in one short transaction. With rows: exactly the rows a load
-// handed out, by their identity (an UPDATE with the selection's condition and the id list, so
-// a row that stopped matching is left alone); without: every row the condition matches now.
-// Returns the number marked, -1 after a failure (nothing marked then).
-qint64 markExported(cDAO& db, const QString& table, const QString& condition,
-                    const QString& idColumn, const ExportedRows* rows);
 
 } // namespace tp

@@ -284,6 +284,37 @@ void cDAO::Rollback()
         fail(StatusExec, err.code, err.text);
 }
 
+qint64 cDAO::ExecCount(const QVariant& sSQL)
+{
+    clearStatus();
+    if (!m_engine->conn || !m_engine->conn->isOpen()) {
+        fail(StatusExec, ErrNotConnected, QStringLiteral("The database is not open."));
+        return -1;
+    }
+    DbError err;
+    qint64 changed = 0;
+    if (!m_engine->conn->execCount(jet::translate(sSQL.toString(), m_engine->conn->dialect()), changed,
+                                   err)) {
+        fail(StatusExec, err.code, err.text);
+        return -1;
+    }
+    return changed;
+}
+
+bool cDAO::FillIdTable(const QString& table, const std::vector<qint64>& ids)
+{
+    clearStatus();
+    if (!m_engine->conn || !m_engine->conn->isOpen()) {
+        fail(StatusExec, ErrNotConnected, QStringLiteral("The database is not open."));
+        return false;
+    }
+    DbError err;
+    if (m_engine->conn->fillIdTable(table, ids, err))
+        return true;
+    fail(StatusExec, err.code, err.text);
+    return false;
+}
+
 bool cDAO::isPostgres() const
 {
     return m_engine->conn ? m_engine->conn->dialect() == jet::Dialect::PostgreSQL : isPgLocation(databaseFile);

@@ -5,6 +5,7 @@
 #include <QVariant>
 #include <functional>
 #include <memory>
+#include <vector>
 
 namespace tp {
 
@@ -94,6 +95,11 @@ public:
     bool CommitTrans();
     void Rollback();
     bool isPostgres() const;
+    // Exec that tells how many rows the statement changed; -1 after a failure (status 20).
+    qint64 ExecCount(const QVariant& sSQL);
+    // Fills the connection's temporary table `table` (column `id`) with ids, replacing what it
+    // held, so that a statement can select by a long list of ids without spelling it out.
+    bool FillIdTable(const QString& table, const std::vector<qint64>& ids);
 
     qint32 error_code = 0;
     qint16 appError = 0;

@@ -7,6 +7,7 @@
 #include <QStringList>
 #include <QVector>
 #include <memory>
+#include <vector>
 
 namespace tp {
 
@@ -52,6 +53,11 @@ public:
     virtual bool query(const QString& sql, const QVector<QVariant>& params, ResultRows& out,
                        DbError& err) = 0;
     virtual bool exec(const QString& sql, DbError& err) = 0;
+    // As exec; changed gets the number of rows the statement changed.
+    virtual bool execCount(const QString& sql, qint64& changed, DbError& err) = 0;
+    // Makes the connection's temporary table `table` (one whole-number column `id`) hold
+    // exactly ids (SQLite keeps each value once; a repeat does no harm to an IN list).
+    virtual bool fillIdTable(const QString& table, const std::vector<qint64>& ids, DbError& err) = 0;
     // A ForwardOnly recordset streaming the rows.
     virtual RecordsetPtr stream(const QString& sql, DbError& err) = 0;
     virtual bool begin(DbError& err) = 0;

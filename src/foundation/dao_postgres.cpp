@@ -208,6 +208,44 @@ public:
         return err.code == 0;
     }
 
+    bool execCount(const QString& sql, qint64& changed, DbError& err) override
+    {
+        QSqlQuery q = run(sql, {}, err);
+        if (err.code)
+            return false;
+        changed = q.numRowsAffected();
+        return true;
+    }
+
+    bool fillIdTable(const QString& table, const std::vector<qint64>& ids, DbError& err) override
+    {
+        // No key: filling an index costs more than the hash join it would spare.
+        if (!exec(QStringLiteral("CREATE TEMP TABLE IF NOT EXISTS %1 (id bigint)").arg(table), err)
+            || !exec(QStringLiteral("TRUNCATE %1").arg(table), err))
+            return false;
+        // Whole arrays of ids per statement: a few round trips, no statement per id.
+        constexpr std::size_t kChunk = 50000;
+        QByteArray list;
+        for (std::size_t b = 0; b < ids.size(); b += kChunk) {
+            const std::size_t e = std::min(ids.size(), b + kChunk);
+            list.clear();
+            list.reserve(qsizetype((e - b) * 8 + 2));
+            list += '{';
+            for (std::size_t i = b; i < e; ++i) {
+                if (i > b)
+                    list += ',';
+                list += QByteArray::number(ids[i]);
+            }
+            list += '}';
+            if (!exec(QStringLiteral("INSERT INTO %1 SELECT unnest('%2'::bigint[])")
+                          .arg(table, QString::fromLatin1(list)),
+                      err))
+                return false;
+        }
+        // The planner has to know the list's size to join it well.
+        return exec(QStringLiteral("ANALYZE %1").arg(table), err);
+    }
+
     RecordsetPtr stream(const QString& sql, DbError& err) override
     {
         static QAtomicInteger<quint64> counter;

@@ -188,6 +188,42 @@ public:
         return true;
     }
 
+    bool execCount(const QString& sql, qint64& changed, DbError& err) override
+    {
+        if (!exec(sql, err))
+            return false;
+        changed = sqlite3_changes64(m_db);
+        return true;
+    }
+
+    bool fillIdTable(const QString& table, const std::vector<qint64>& ids, DbError& err) override
+    {
+        // Rows of the temporary database only: the primary database stays unlocked.
+        if (!exec(QStringLiteral("CREATE TEMP TABLE IF NOT EXISTS %1 (id INTEGER PRIMARY KEY)").arg(table),
+                  err)
+            || !exec(QStringLiteral("SAVEPOINT tp_fill"), err))
+            return false;
+        bool ok = exec(QStringLiteral("DELETE FROM temp.%1").arg(table), err);
+        sqlite3_stmt* st = ok ? prepare(QStringLiteral("INSERT OR IGNORE INTO temp.%1 VALUES (?)").arg(table), err)
+                              : nullptr;
+        ok = st != nullptr;
+        for (std::size_t i = 0; ok && i < ids.size(); ++i) {
+            sqlite3_bind_int64(st, 1, ids[i]);
+            ok = sqlite3_step(st) == SQLITE_DONE;
+            if (!ok)
+                setError(m_db, err);
+            sqlite3_reset(st);
+        }
+        sqlite3_finalize(st);
+        DbError ignored;
+        if (!ok) {
+            exec(QStringLiteral("ROLLBACK TO tp_fill"), ignored);
+            exec(QStringLiteral("RELEASE tp_fill"), ignored);
+            return false;
+        }
+        return exec(QStringLiteral("RELEASE tp_fill"), err);
+    }
+
     RecordsetPtr stream(const QString& sql, DbError& err) override
     {
         sqlite3_stmt* st = prepare(sql, err);

@@ -135,7 +135,8 @@ TEST_F(WriterTest, WindowsCodePageWithQuestionMarksForTheRest)
     ASSERT_TRUE(w.open(file("a.txt")));
     ASSERT_TRUE(w.writeHeader({QStringLiteral("Café")}));
     ASSERT_TRUE(w.writeLine({ExportValue::ofText(QStringLiteral("€ 中 \U0001F600 ü"))}));
-    ASSERT_TRUE(w.finish());
+    ASSERT_TRUE(w.finish() && w.putInPlace());
+    w.commit();
     EXPECT_EQ(bytesOf(file("a.txt")), QByteArray("\"Caf\xE9\"\r\n\"\x80 ? ? \xFC\"\r\n"));
     EXPECT_EQ(w.linesWritten(), 1);
 }
@@ -145,7 +146,8 @@ TEST_F(WriterTest, Utf8WithoutByteOrderMark)
     ExportFileWriter w(FileEncoding::Utf8);
     ASSERT_TRUE(w.open(file("u.txt")));
     ASSERT_TRUE(w.writeHeader({QStringLiteral("Café 中")}));
-    ASSERT_TRUE(w.finish());
+    ASSERT_TRUE(w.finish() && w.putInPlace());
+    w.commit();
     EXPECT_EQ(bytesOf(file("u.txt")), QByteArray("\"Caf\xC3\xA9 \xE4\xB8\xAD\"\r\n"));
 }
 
@@ -157,7 +159,8 @@ TEST_F(WriterTest, ManyLinesAndDiscardLeavesTheTargetAlone)
         w.writeHeader({"N"});
         for (int i = 0; i < 20000; ++i)
             ASSERT_TRUE(w.writeLine({ExportValue::ofNumber(i)}));
-        ASSERT_TRUE(w.finish());
+        ASSERT_TRUE(w.finish() && w.putInPlace());
+        w.commit();
     }
     const QByteArray big = bytesOf(file("big.txt"));
     EXPECT_TRUE(big.startsWith("\"N\"\r\n0\r\n1\r\n"));

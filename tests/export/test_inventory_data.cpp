@@ -74,6 +74,7 @@ protected:
         job.request = request;
         job.columns = columns(names);
         job.fileName = path(QStringLiteral("inventory.txt"));
+        job.database = &db;
         return runExport(job, assembler, feedback, cancel);
     }
     QByteArray output() const { return readFile(path(QStringLiteral("inventory.txt"))); }
@@ -237,9 +238,9 @@ TEST_P(InventoryExport, MarksExactlyTheRowsItWroteByTheirIds)
     const ExportRequest request = inventoryRequest({QStringLiteral("InventoryNumber")});
     const LoadResult load = assembler.load(request, sink, cancel);
     ASSERT_EQ(load.outcome, LoadOutcome::Completed);
-    ASSERT_EQ(load.rows.keys.size(), 4u);
+    ASSERT_EQ(load.rows.ids.size(), 4u);
     for (int i = 0; i < 4; ++i)
-        EXPECT_EQ(load.rows.keys[std::size_t(i)].toLongLong(), i + 1);
+        EXPECT_EQ(load.rows.ids[std::size_t(i)], i + 1);
 
     EXPECT_EQ(assembler.mark(request, &load.rows), 3);
     // Written and still waiting: marked. Withdrawn since, new since, exported before: untouched.

@@ -5,6 +5,9 @@
 #include "support/export_rows.h"
 #include "support/programs.h"
 
+#include <QProcess>
+#include <QThread>
+
 namespace tp::test {
 namespace {
 
@@ -163,6 +166,49 @@ TEST_F(WindowBatchParity, MapLocationsAndPinpointsGiveTheSameFiles)
     EXPECT_EQ(pinBatch, pinWindow);
     EXPECT_EQ(pinWindow, QByteArray("\"PinpointName\",\"State\",\"Longitude\"\r\n"
                                     "\"Depot\",\"OK\",\"-95.9928\"\r\n\"O'Neil \"Yard\"\",\"OK\",\"-95.9928\"\r\n"));
+}
+
+// "A window that scanned 300 records while a batch run exported 200 of them writes only the
+// 100 still waiting": the batch run holds the lock when "Create File" is pressed; the window
+// waits for it and then reads the selection afresh.
+TEST_F(WindowBatchParity, WindowThatScannedWhatABatchRunTookWritesOnlyWhatIsLeft)
+{
+    addWaiting(200, 1, 20050110);
+    addWaiting(100, 201, 20050131);
+    openTimeData();
+    tick({1});   // TimeRecordID
+    press("cmdAll");
+    press("cmdOK");
+    ASSERT_EQ(window->session().ExportRecordCount, 300);
+    press("cmdPreviewExport");
+
+    QProcess batch;
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert("TALLYPORT_SETTINGS_DIR", site.settingsFolder());
+    env.insert("TALLYPORT_EXPORT_FAULT", "synced:sleep1500");   // lingers holding the lock
+    batch.setProcessEnvironment(env);
+    const QString batchFile = outFile(QStringLiteral("batch.txt"));
+    batch.start(TP_BINARY_DIR "/tallyport-batch",
+                {"export", "--settings", "KRV.ini", "--user", "1", "--dataset", "Time Data", "--fields",
+                 "TimeRecordID", "--from", "01/10/2005", "--to", "01/10/2005", "--yes", "--output", batchFile});
+    ASSERT_TRUE(batch.waitForStarted());
+    QThread::msleep(500);
+    const QString windowFile = outFile(QStringLiteral("window.txt"));
+    dialogs.names.push_back(windowFile);
+    press("cmdPreviewExport");
+    // The window's wait lets events run, so the batch run may already have been reaped.
+    if (batch.state() != QProcess::NotRunning) {
+        ASSERT_TRUE(batch.waitForFinished(30000));
+    }
+    EXPECT_EQ(batch.exitCode(), 0) << batch.readAllStandardError().constData();
+    EXPECT_EQ(status(), QStringLiteral("Export Completed Successfully"));
+
+    QByteArray expectedBatch = "\"TimeRecordID\"\r\n", expectedWindow = expectedBatch;
+    for (int id = 1; id <= 300; ++id)
+        (id <= 200 ? expectedBatch : expectedWindow) += QByteArray::number(id) + "\r\n";
+    EXPECT_EQ(readBytes(batchFile), expectedBatch);
+    EXPECT_EQ(readBytes(windowFile), expectedWindow);
+    EXPECT_EQ(site.scalar("Select count(*) from JobTimeRecords where Approved = 2 and ExportID = 1"), 300);
 }
 
 } // namespace

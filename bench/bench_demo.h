@@ -1,0 +1,16 @@
+#pragma once
+// The demo database the time benchmarks start from: employees and the rest, but no time,
+// inventory or GPS records (each benchmark adds its own time records).
+#include "demo_generator.h"
+
+inline tp::DemoOptions timeBenchDemo(int employees)
+{
+    tp::DemoOptions options;
+    options.employees = employees;
+    options.timeRecords = 0;
+    options.inventoryRecords = 0;
+    options.tracks = 0;
+    options.gpsPoints = 0;
+    options.replaceExisting = true;
+    return options;
+}
