@@ -24,7 +24,8 @@ struct ExportRequest {
     QStringList fields;         // output column field names, in column order (grid header texts)
     bool formatDate = false;    // "Undo Date" showing: Date values as MM/DD/YYYY
     bool formatTime = false;    // "Undo Time" showing: Time values as HH:MM:SS
-    std::vector<qint32> trackSubjects;
+    std::vector<qint32> trackSubjects;   // TrackSubjects: positions 1 to n when several
+    qint32 currentTrackSubject = 0;      // CurrentTrackSubject: the one subject's track
     QString settingsFile;       // "KRV.ini", "lumtrek.ini", ...
 };
 

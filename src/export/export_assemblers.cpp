@@ -1,5 +1,6 @@
 #include "export/export_assemblers.h"
 
+#include "export/gps_data.h"
 #include "export/time_data.h"
 
 namespace tp {
@@ -9,6 +10,8 @@ std::unique_ptr<ExportAssembler> MakeExportAssembler(const QString& tableKey, cD
 {
     if (tableKey == kTableTime)
         return std::make_unique<TimeAssembler>(db, feedback);
+    if (tableKey == kTableGps)
+        return std::make_unique<GpsAssembler>(db, feedback);
     return nullptr;
 }
 

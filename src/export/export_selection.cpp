@@ -58,6 +58,7 @@ ExportRequest ExportSession::request() const
     r.formatDate = m_formatDates;
     r.formatTime = m_formatTimes;
     r.trackSubjects = TrackSubjects;
+    r.currentTrackSubject = CurrentTrackSubject;
     r.settingsFile = globals().SettingsFileName;
     return r;
 }
@@ -178,6 +179,8 @@ ScanOutcome ExportSession::scanDatabase()
     ScanOutcome out;
     ExportAssembler* source = assembler();
     const bool dated = SelectionMode == kSelectionDate;
+    if (source && msTableSelected == kTableGps)
+        return scanGpsDatabase();
     if (!source || !isTimeOrInventory())
         return out;
     if (dated && dateRange() != DateRange::Valid) {
@@ -202,6 +205,11 @@ ScanOutcome ExportSession::scanDatabase()
         fillRecordGrid(source->preview(req, count));
     }
 
+    return finishScan(out);
+}
+
+ScanOutcome ExportSession::finishScan(ScanOutcome out)
+{
     if (CancelRequested) {
         clearRecordGrid();
         m_feedback.status(kCancelStatus);
