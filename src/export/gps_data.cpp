@@ -8,6 +8,9 @@
 #include "foundation/sql_literal.h"
 #include "export/track_subjects.h"
 
+#include <algorithm>
+#include <charconv>
+
 namespace tp {
 
 namespace {
@@ -33,8 +36,20 @@ bool isPointSlot(int slot)
     return slot >= 0 && kPointColumns[slot] != nullptr;
 }
 
+// A real as the shortest text that reads back as the same number. The file's writer types
+// the text back into that number and lays it out itself, so a load may use this quicker form;
+// the grid shows the file's form.
+QString quickNumberText(double d)
+{
+    char buf[32];
+    const auto r = std::to_chars(buf, buf + sizeof buf, d);
+    if (r.ec != std::errc() || std::find(buf, r.ptr, 'e') != r.ptr)
+        return formatExportNumber(d);
+    return QString::fromLatin1(buf, r.ptr - buf);
+}
+
 // A stored value as text; a null (a track's open end, say) is the empty text.
-QString storedText(const QVariant& v)
+QString storedText(const QVariant& v, bool quick)
 {
     if (!v.isValid() || v.isNull())
         return QString();
@@ -43,7 +58,7 @@ QString storedText(const QVariant& v)
     case QMetaType::ULongLong: case QMetaType::Short: case QMetaType::UShort:
         return QString::number(v.toLongLong());
     case QMetaType::Double: case QMetaType::Float:
-        return formatExportNumber(v.toDouble());
+        return quick ? quickNumberText(v.toDouble()) : formatExportNumber(v.toDouble());
     case QMetaType::Bool:
         return v.toBool() ? QStringLiteral("-1") : QStringLiteral("0");
     default:
@@ -101,9 +116,9 @@ public:
         }
         return true;
     }
-    // One point's texts into values.
+    // One point's texts into values; quick for a load (see quickNumberText).
     void fill(const Recordset& rs, const SubjectTexts& texts, bool formatDate, bool formatTime,
-              QStringList& values) const
+              bool quick, QStringList& values)
     {
         values.clear();
         for (std::size_t c = 0; c < columnSlots.size(); ++c) {
@@ -113,8 +128,18 @@ public:
             case SlotFirstName: case SlotAssignedTo: values << texts.first; break;
             case SlotLastName: values << texts.last; break;
             case SlotUnit: values << texts.unit; break;
+            case SlotDate: {
+                // A track's points share their date: it is laid out once.
+                const QString stored = storedText(rs.value(indexes[c]), quick);
+                if (m_lastDate != stored) {
+                    m_lastDate = stored;
+                    m_lastDateText = fieldText(slot, stored, formatDate, formatTime);
+                }
+                values << m_lastDateText;
+                break;
+            }
             default:
-                values << (isPointSlot(slot) ? fieldText(slot, storedText(rs.value(indexes[c])),
+                values << (isPointSlot(slot) ? fieldText(slot, storedText(rs.value(indexes[c]), quick),
                                                          formatDate, formatTime)
                                              : QString());
             }
@@ -123,6 +148,8 @@ public:
 
     std::vector<int> columnSlots;
     std::vector<int> indexes;
+    std::optional<QString> m_lastDate;
+    QString m_lastDateText;
     QStringList columns;
     bool needEmployee = false, needLicense = false, needUnit = false;
 };
@@ -337,7 +364,7 @@ bool GpsAssembler::previewSubject(const ExportRequest& request, qint32 track, qi
             return false;
         }
         for (; !rs->atEnd() && int(preview.rows.size()) < maxRows; rs->moveNext()) {
-            reader.fill(*rs, texts, false, false, values);
+            reader.fill(*rs, texts, false, false, false, values);
             preview.rows.push_back(values);
             for (std::size_t c = 0; c < reader.columnSlots.size(); ++c) {
                 preview.dateFilled |= reader.columnSlots[c] == SlotDate && !values.at(qsizetype(c)).isEmpty();
@@ -432,7 +459,7 @@ LoadResult GpsAssembler::load(const ExportRequest& request, RecordSink& sink, bo
                 return result;
             }
             for (; !rs->atEnd(); rs->moveNext()) {
-                reader.fill(*rs, texts, request.formatDate, request.formatTime, values);
+                reader.fill(*rs, texts, request.formatDate, request.formatTime, true, values);
                 if (!sink.record(values)) {
                     m_db.RS_Close(rs);
                     result.outcome = LoadOutcome::Aborted;
