@@ -4,6 +4,7 @@
 // it (subject list, "All Subjects", date range, scan, formats, "Create File"). Against the
 // sqlite3 shell writing the same CSV from the equivalent join.
 // Last line: export-gps: ours=<s>s peer=<s>s ratio=<ours/peer> max_rss_mb=<peak MB>
+#include "bench_peer.h"
 #include "demo_generator.h"
 #include "export/export_session.h"
 #include "export/track_subjects.h"
@@ -16,7 +17,6 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <sqlite3.h>
 #include <sys/resource.h>
@@ -127,19 +127,9 @@ const char* const kPeerScript =
     " AND g.Longitude <> -1 AND g.Latitude <> -1"
     " ORDER BY t.EmployeeNumber, t.VehicleNumber, t.TrackingDate, t.TrackID, g.RcvDate, g.RcvTime;\n";
 
-qint64 countLines(const QString& file)
-{
-    QFile f(file);
-    if (!f.open(QIODevice::ReadOnly))
-        return -1;
-    qint64 n = 0;
-    while (!f.atEnd())
-        n += f.read(1 << 20).count('\n');
-    return n;
-}
-
 // The window's road through its session, from choosing "GPS Data" to "Create File".
-tp::ExportJobResult exportThroughSession(const QString& database, const QString& file)
+tp::ExportJobResult exportThroughSession(const QString& database, const QString& file,
+                                         double& scanSeconds)
 {
     tp::ExportJobResult failed;
     tp::cDAO db;
@@ -164,9 +154,12 @@ tp::ExportJobResult exportThroughSession(const QString& database, const QString&
         || !session.selectRecordsByDate())
         return failed;
     session.setStartDate(QStringLiteral("03/01/2024"));
+    QElapsedTimer clock;
+    clock.start();
     if (session.setStopDate(QStringLiteral("03/31/2024")) != tp::DateRange::Valid
         || session.scanDatabase().kind != tp::ScanOutcome::Found)
         return failed;
+    scanSeconds = double(clock.nsecsElapsed()) / 1e9;
     session.setDateFormat(true);
     session.setTimeFormat(true);
     tp::ExportJobResult result = session.saveExportFile(file);
@@ -199,33 +192,28 @@ int main(int argc, char** argv)
     QElapsedTimer clock;
     clock.start();
     const QString oursTxt = QDir(dir.path()).filePath(QStringLiteral("ours.txt"));
-    const tp::ExportJobResult run = exportThroughSession(database, oursTxt);
+    double scanSeconds = 0;
+    const tp::ExportJobResult run = exportThroughSession(database, oursTxt, scanSeconds);
     const double oursSeconds = double(clock.nsecsElapsed()) / 1e9;
     if (run.outcome != tp::ExportJobResult::Completed || run.records != kUsablePoints
-        || countLines(oursTxt) != kUsablePoints + 1) {
+        || bench::countLines(oursTxt) != kUsablePoints + 1) {
         std::fprintf(stderr, "our export failed: %s (%lld records)\n", qPrintable(run.status),
                      static_cast<long long>(run.records));
         return 1;
     }
 
     const QString peerCsv = QDir(dir.path()).filePath(QStringLiteral("peer.csv"));
-    clock.restart();
-    QProcess shell;
-    shell.start(QStringLiteral("sqlite3"), {database});
-    shell.write(QString::fromLatin1(kPeerScript).arg(peerCsv).toUtf8());
-    shell.closeWriteChannel();
-    if (!shell.waitForFinished(600000) || shell.exitCode() != 0) {
-        std::fprintf(stderr, "sqlite3 failed: %s\n", shell.readAllStandardError().constData());
+    const double peerSeconds = bench::runSqliteShell(database, QString::fromLatin1(kPeerScript).arg(peerCsv));
+    if (peerSeconds < 0)
         return 1;
-    }
-    const double peerSeconds = double(clock.nsecsElapsed()) / 1e9;
-    if (countLines(peerCsv) != kUsablePoints + 1) {
+    if (bench::countLines(peerCsv) != kUsablePoints + 1) {
         std::fprintf(stderr, "the peer's file is incomplete\n");
         return 1;
     }
 
     rusage usage {};
     getrusage(RUSAGE_SELF, &usage);
+    std::printf("scan (count and first 20 rows of all subjects): %.3fs\n", scanSeconds);
     std::printf("points=%lld subjects=%d tracks=%d file=%lld bytes (peer %lld bytes)\n",
                 static_cast<long long>(kUsablePoints), kSubjects, kSubjects * kDaysDriven,
                 static_cast<long long>(QFileInfo(oursTxt).size()),

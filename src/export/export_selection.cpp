@@ -59,6 +59,8 @@ ExportRequest ExportSession::request() const
     r.formatTime = m_formatTimes;
     r.trackSubjects = TrackSubjects;
     r.currentTrackSubject = CurrentTrackSubject;
+    if (ExportRecordCount > 0)
+        r.scannedCount = ExportRecordCount;
     r.settingsFile = globals().SettingsFileName;
     return r;
 }

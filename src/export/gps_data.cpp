@@ -411,21 +411,16 @@ LoadResult GpsAssembler::load(const ExportRequest& request, RecordSink& sink, bo
         result.error = kNoTrackForEmployee;
         return result;
     }
-    const qint64 total = count(request);
+    // The question takes the scan's count, as the window's save always has; counting again
+    // would read every point twice.
+    const qint64 total = request.scannedCount >= 0 ? request.scannedCount : count(request);
     if (total < 0) {
         result.error = QStringLiteral("Error Retrieving Record");
         return result;
     }
-    if (total > 200) {
-        const short answer = m_feedback.ask(
-            0, QStringLiteral("There are ") + QString::number(total) +
-                   QStringLiteral(" records to be exported. This may take some time. Do you wish to continue?"));
-        if (answer != AnswerYes) {
-            cancel = true;
-            result.outcome = LoadOutcome::Declined;
-            return result;
-        }
-        cancel = false;
+    if (!ConfirmLongExport(m_feedback, total, cancel)) {
+        result.outcome = LoadOutcome::Declined;
+        return result;
     }
     if (!sink.begin(total)) {
         result.outcome = LoadOutcome::Aborted;

@@ -33,7 +33,8 @@ public:
     qint64 count(const ExportRequest& request) override;
     PreviewResult preview(const ExportRequest& request, qint64 recordCount,
                           int maxRows = 20) override;
-    // Streams every subject's points in order; more than 200 points ask first. A subject of a
+    // Streams every subject's points in order; more than 200 points (the scan's count when the
+    // request has one) ask first. A subject of a
     // list whose track is gone is told ("There are no records to obtain for ...") and skipped.
     LoadResult load(const ExportRequest& request, RecordSink& sink, bool& cancel) override;
     // GPS points carry no export mark.

@@ -334,16 +334,9 @@ LoadResult TimeAssembler::load(const ExportRequest& request, RecordSink& sink, b
     if (total > 0) {
         if (!request.byDate)
             m_feedback.status(QStringLiteral("Retrieving  ..."));
-        if (total > 200) {
-            const short answer = m_feedback.ask(
-                0, QStringLiteral("There are ") + QString::number(total) +
-                       QStringLiteral(" records to be exported. This may take some time. Do you wish to continue?"));
-            if (answer != AnswerYes) {
-                cancel = true;
-                result.outcome = LoadOutcome::Declined;
-                return result;
-            }
-            cancel = false;
+        if (!ConfirmLongExport(m_feedback, total, cancel)) {
+            result.outcome = LoadOutcome::Declined;
+            return result;
         }
     }
     if (!sink.begin(total)) {
