@@ -2,6 +2,7 @@
 // output date and time formats of one export session.
 #include "export/export_assemblers.h"
 #include "export/export_session.h"
+#include "export/export_values.h"
 
 #include "foundation/conversions.h"
 #include "foundation/feedback.h"
@@ -21,17 +22,6 @@ const QString kTimeField = QStringLiteral("Time");
 bool isStandardDate(const QString& text)
 {
     return text.size() == 10 && QDate::fromString(text, QStringLiteral("MM/dd/yyyy")).isValid();
-}
-
-// The cell text read as a 32-bit whole number, as the old Val/CLng pair did: the leading
-// number, 0 when there is none.
-qint32 cellNumber(const QString& text)
-{
-    bool ok = false;
-    const double d = text.trimmed().toDouble(&ok);
-    if (!ok || d >= 2147483647.5 || d < -2147483648.5)
-        return 0;
-    return qint32(qRound64(d));
 }
 
 } // namespace
@@ -246,10 +236,10 @@ void ExportSession::formatColumn(const QString& name, std::vector<qint32>& saved
                 continue;
             const QString cell = m_grid.text(c, r);
             if (on) {
-                saved[std::size_t(r)] = cellNumber(cell);
+                saved[std::size_t(r)] = storedWholeNumber(cell);
                 m_grid.setText(c, r, name == kDateField
                                          ? ConvertField2StandardDate(cell)
-                                         : FormatStoredTime(cellNumber(cell), false));
+                                         : FormatStoredTime(storedWholeNumber(cell), false));
             } else {
                 // A row the saved numbers do not cover cannot be restored: stop there.
                 if (r >= int(saved.size())) {

@@ -34,6 +34,9 @@ ExportValue TypeValue(const QString& s, FieldType type);
 // with an optional period and decimals. "007", " -12.50 ", ".5" are numeric; "1e5", "1,5" not.
 bool isExportNumeric(const QString& s);
 
+// A stored number's text read as a 32-bit whole number, rounded; 0 when it is no number or
+// does not fit (the clock and date layouts take whole numbers).
+qint32 storedWholeNumber(const QString& text);
 // Shortest text that reads back as d, at most 15 significant digits, period as separator,
 // no exponent between 1e-7 and 1e21: 20050131, 12.5, -95.2, 0.5.
 QString formatExportNumber(double d);

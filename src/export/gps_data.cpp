@@ -8,8 +8,6 @@
 #include "foundation/sql_literal.h"
 #include "export/track_subjects.h"
 
-#include <algorithm>
-#include <charconv>
 
 namespace tp {
 
@@ -36,20 +34,8 @@ bool isPointSlot(int slot)
     return slot >= 0 && kPointColumns[slot] != nullptr;
 }
 
-// A real as the shortest text that reads back as the same number. The file's writer types
-// the text back into that number and lays it out itself, so a load may use this quicker form;
-// the grid shows the file's form.
-QString quickNumberText(double d)
-{
-    char buf[32];
-    const auto r = std::to_chars(buf, buf + sizeof buf, d);
-    if (r.ec != std::errc() || std::find(buf, r.ptr, 'e') != r.ptr)
-        return formatExportNumber(d);
-    return QString::fromLatin1(buf, r.ptr - buf);
-}
-
 // A stored value as text; a null (a track's open end, say) is the empty text.
-QString storedText(const QVariant& v, bool quick)
+QString storedText(const QVariant& v)
 {
     if (!v.isValid() || v.isNull())
         return QString();
@@ -58,22 +44,12 @@ QString storedText(const QVariant& v, bool quick)
     case QMetaType::ULongLong: case QMetaType::Short: case QMetaType::UShort:
         return QString::number(v.toLongLong());
     case QMetaType::Double: case QMetaType::Float:
-        return quick ? quickNumberText(v.toDouble()) : formatExportNumber(v.toDouble());
+        return formatExportNumber(v.toDouble());
     case QMetaType::Bool:
         return v.toBool() ? QStringLiteral("-1") : QStringLiteral("0");
     default:
         return v.toString();
     }
-}
-
-// A clock number read as the 32-bit whole number the formatting takes; 0 when it is none.
-qint32 clockNumber(const QString& text)
-{
-    bool ok = false;
-    const double d = text.trimmed().toDouble(&ok);
-    if (!ok || d >= 2147483647.5 || d < -2147483648.5)
-        return 0;
-    return qint32(qRound64(d));
 }
 
 QString orUnknown(const QString& name)
@@ -116,9 +92,9 @@ public:
         }
         return true;
     }
-    // One point's texts into values; quick for a load (see quickNumberText).
+    // One point's texts into values.
     void fill(const Recordset& rs, const SubjectTexts& texts, bool formatDate, bool formatTime,
-              bool quick, QStringList& values)
+              QStringList& values)
     {
         values.clear();
         for (std::size_t c = 0; c < columnSlots.size(); ++c) {
@@ -130,7 +106,7 @@ public:
             case SlotUnit: values << texts.unit; break;
             case SlotDate: {
                 // A track's points share their date: it is laid out once.
-                const QString stored = storedText(rs.value(indexes[c]), quick);
+                const QString stored = storedText(rs.value(indexes[c]));
                 if (m_lastDate != stored) {
                     m_lastDate = stored;
                     m_lastDateText = fieldText(slot, stored, formatDate, formatTime);
@@ -139,7 +115,7 @@ public:
                 break;
             }
             default:
-                values << (isPointSlot(slot) ? fieldText(slot, storedText(rs.value(indexes[c]), quick),
+                values << (isPointSlot(slot) ? fieldText(slot, storedText(rs.value(indexes[c])),
                                                          formatDate, formatTime)
                                              : QString());
             }
@@ -176,7 +152,7 @@ QString GpsAssembler::fieldText(int slot, const QString& stored, bool formatDate
     if (slot == SlotDate && formatDate)
         return ConvertField2StandardDate(stored);
     if (slot == SlotTime && formatTime)
-        return FormatStoredTime(clockNumber(stored), false);
+        return FormatStoredTime(storedWholeNumber(stored), false);
     return stored;
 }
 
@@ -364,7 +340,7 @@ bool GpsAssembler::previewSubject(const ExportRequest& request, qint32 track, qi
             return false;
         }
         for (; !rs->atEnd() && int(preview.rows.size()) < maxRows; rs->moveNext()) {
-            reader.fill(*rs, texts, false, false, false, values);
+            reader.fill(*rs, texts, false, false, values);
             preview.rows.push_back(values);
             for (std::size_t c = 0; c < reader.columnSlots.size(); ++c) {
                 preview.dateFilled |= reader.columnSlots[c] == SlotDate && !values.at(qsizetype(c)).isEmpty();
@@ -454,7 +430,7 @@ LoadResult GpsAssembler::load(const ExportRequest& request, RecordSink& sink, bo
                 return result;
             }
             for (; !rs->atEnd(); rs->moveNext()) {
-                reader.fill(*rs, texts, request.formatDate, request.formatTime, true, values);
+                reader.fill(*rs, texts, request.formatDate, request.formatTime, values);
                 if (!sink.record(values)) {
                     m_db.RS_Close(rs);
                     result.outcome = LoadOutcome::Aborted;

@@ -47,92 +47,79 @@ QString markCounts(const QString& location)
     return counts.join(QLatin1Char(' '));
 }
 
-TEST(BatchOnPostgres, SameFileAndMarksAsOnSqliteAndACleanExit)
-{
-    PgScratchDatabase pg;
-    if (!pg.ok() && pgTestUrl().isEmpty())
-        GTEST_SKIP() << kPgSkipMessage;
-    ASSERT_TRUE(pg.ok()) << pg.error().toStdString();
+// The same demo data in an SQLite file and in a scratch PostgreSQL database, each with its
+// settings folder, and the tool run with the same arguments on both.
+class BatchOnPostgres : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        if (!pg.ok() && pgTestUrl().isEmpty())
+            GTEST_SKIP() << kPgSkipMessage;
+        ASSERT_TRUE(pg.ok()) << pg.error().toStdString();
+    }
+    void makeSites(const DemoOptions& options = {.tracks = 0, .gpsPoints = 0})
+    {
+        QString error;
+        const QString file = QDir(files.path()).filePath(QStringLiteral("demo.db"));
+        ASSERT_TRUE(makeSite(sqlite, file, files.path(), QStringLiteral("demo.db"), &error, options))
+            << error.toStdString();
+        const qsizetype cut = pg.url().lastIndexOf(QLatin1Char('/')) + 1;
+        ASSERT_TRUE(makeSite(postgres, pg.url(), pg.url().left(cut), pg.url().mid(cut), &error, options))
+            << error.toStdString();
+    }
+    // Runs the tool on both sites with arguments and "--output FILE"; the two files' bytes.
+    std::pair<QByteArray, QByteArray> runBoth(const QStringList& arguments)
+    {
+        const QString binary = QStringLiteral(TP_BINARY_DIR "/tallyport-batch");
+        const QString liteOut = QDir(files.path()).filePath(QStringLiteral("sqlite.txt"));
+        const QString pgOut = QDir(files.path()).filePath(QStringLiteral("postgres.txt"));
+        const ProgramRun onSqlite =
+            runProgram(binary, arguments + QStringList{"--output", liteOut}, sqlite.settings.path());
+        const ProgramRun onPostgres =
+            runProgram(binary, arguments + QStringList{"--output", pgOut}, postgres.settings.path());
+        EXPECT_EQ(onSqlite.exitCode, 0) << onSqlite.err.toStdString();
+        // A crash while closing the connection at exit would show here as -1.
+        EXPECT_EQ(onPostgres.exitCode, 0) << onPostgres.err.toStdString();
+        EXPECT_EQ(onPostgres.out, QStringLiteral("Export Completed Successfully\n"));
+        QFile a(liteOut), b(pgOut);
+        if (!a.open(QIODevice::ReadOnly) || !b.open(QIODevice::ReadOnly))
+            return {};
+        return {a.readAll(), b.readAll()};
+    }
 
+    PgScratchDatabase pg;
     QTemporaryDir files;
     Site sqlite, postgres;
-    QString error;
-    const QString file = QDir(files.path()).filePath(QStringLiteral("demo.db"));
-    ASSERT_TRUE(makeSite(sqlite, file, files.path(), QStringLiteral("demo.db"), &error))
-        << error.toStdString();
-    const qsizetype cut = pg.url().lastIndexOf(QLatin1Char('/')) + 1;
-    ASSERT_TRUE(makeSite(postgres, pg.url(), pg.url().left(cut), pg.url().mid(cut), &error))
-        << error.toStdString();
+};
+
+TEST_F(BatchOnPostgres, SameFileAndMarksAsOnSqliteAndACleanExit)
+{
+    makeSites();
     ASSERT_EQ(markCounts(sqlite.location), markCounts(postgres.location));
-
-    const QStringList arguments{
-        QStringLiteral("export"), QStringLiteral("--settings"), QStringLiteral("KRV.ini"),
-        QStringLiteral("--user"), QStringLiteral("1"), QStringLiteral("--dataset"),
-        QStringLiteral("Time Data"), QStringLiteral("--fields"),
-        QStringLiteral("EmployeeNumber=Emp,EmployeeFirstName,EmployeeLastName,Date,Time,"
-                       "OdometerReading,IsTimeInRecord"),
-        QStringLiteral("--from"), QStringLiteral("01/15/2024"), QStringLiteral("--to"),
-        QStringLiteral("01/31/2024"), QStringLiteral("--format-time"), QStringLiteral("--yes"),
-        QStringLiteral("--output")};
-    const QString binary = QStringLiteral(TP_BINARY_DIR "/tallyport-batch");
-    const QString liteOut = QDir(files.path()).filePath(QStringLiteral("sqlite.txt"));
-    const QString pgOut = QDir(files.path()).filePath(QStringLiteral("postgres.txt"));
-    const ProgramRun onSqlite = runProgram(binary, arguments + QStringList{liteOut}, sqlite.settings.path());
-    const ProgramRun onPostgres = runProgram(binary, arguments + QStringList{pgOut}, postgres.settings.path());
-    ASSERT_EQ(onSqlite.exitCode, 0) << onSqlite.err.toStdString();
-    // A crash while closing the connection at exit would show here as -1.
-    ASSERT_EQ(onPostgres.exitCode, 0) << onPostgres.err.toStdString();
-    EXPECT_EQ(onPostgres.out, QStringLiteral("Export Completed Successfully\n"));
-
-    QFile a(liteOut), b(pgOut);
-    ASSERT_TRUE(a.open(QIODevice::ReadOnly) && b.open(QIODevice::ReadOnly));
-    const QByteArray bytes = a.readAll();
+    const auto [bytes, pgBytes] = runBoth(
+        {"export", "--settings", "KRV.ini", "--user", "1", "--dataset", "Time Data", "--fields",
+         "EmployeeNumber=Emp,EmployeeFirstName,EmployeeLastName,Date,Time,OdometerReading,IsTimeInRecord",
+         "--from", "01/15/2024", "--to", "01/31/2024", "--format-time", "--yes"});
     EXPECT_GT(bytes.count("\r\n"), 50);
-    EXPECT_EQ(b.readAll(), bytes);
+    EXPECT_EQ(pgBytes, bytes);
     EXPECT_EQ(markCounts(postgres.location), markCounts(sqlite.location));
 }
 
 // The demo's tracks (a vehicle out without a driver, a driver with a second vehicle, lost fixes)
 // exported for all subjects give the same file from both engines.
-TEST(BatchOnPostgres, GpsDataOfAllSubjectsIsTheSameFileAsOnSqlite)
+TEST_F(BatchOnPostgres, GpsDataOfAllSubjectsIsTheSameFileAsOnSqlite)
 {
-    PgScratchDatabase pg;
-    if (!pg.ok() && pgTestUrl().isEmpty())
-        GTEST_SKIP() << kPgSkipMessage;
-    ASSERT_TRUE(pg.ok()) << pg.error().toStdString();
-
-    QTemporaryDir files;
-    Site sqlite, postgres;
-    QString error;
-    const DemoOptions options{.timeRecords = 0, .inventoryRecords = 0, .tracks = 60, .gpsPoints = 3000};
-    const QString file = QDir(files.path()).filePath(QStringLiteral("demo.db"));
-    ASSERT_TRUE(makeSite(sqlite, file, files.path(), QStringLiteral("demo.db"), &error, options))
-        << error.toStdString();
-    const qsizetype cut = pg.url().lastIndexOf(QLatin1Char('/')) + 1;
-    ASSERT_TRUE(makeSite(postgres, pg.url(), pg.url().left(cut), pg.url().mid(cut), &error, options))
-        << error.toStdString();
-
-    const QStringList arguments{
-        "export", "--settings", "lumtrek.ini", "--user", "1", "--dataset", "GPS Data", "--fields",
-        "Assigned To,Unit Identifier,TrackID,Longitude,Latitude,Time,Date,Speed", "--from", "11/01/2023",
-        "--to", "02/29/2024", "--subject", "all", "--format-date", "--format-time", "--yes", "--output"};
-    const QString binary = QStringLiteral(TP_BINARY_DIR "/tallyport-batch");
-    const QString liteOut = QDir(files.path()).filePath(QStringLiteral("sqlite.txt"));
-    const QString pgOut = QDir(files.path()).filePath(QStringLiteral("postgres.txt"));
-    const ProgramRun onSqlite = runProgram(binary, arguments + QStringList{liteOut}, sqlite.settings.path());
-    const ProgramRun onPostgres = runProgram(binary, arguments + QStringList{pgOut}, postgres.settings.path());
-    ASSERT_EQ(onSqlite.exitCode, 0) << onSqlite.err.toStdString();
-    ASSERT_EQ(onPostgres.exitCode, 0) << onPostgres.err.toStdString();
-
-    QFile a(liteOut), b(pgOut);
-    ASSERT_TRUE(a.open(QIODevice::ReadOnly) && b.open(QIODevice::ReadOnly));
-    const QByteArray bytes = a.readAll();
+    makeSites({.timeRecords = 0, .inventoryRecords = 0, .tracks = 60, .gpsPoints = 3000});
+    const auto [bytes, pgBytes] = runBoth(
+        {"export", "--settings", "lumtrek.ini", "--user", "1", "--dataset", "GPS Data", "--fields",
+         "Assigned To,Unit Identifier,TrackID,Longitude,Latitude,Time,Date,Speed", "--from", "11/01/2023",
+         "--to", "02/29/2024", "--subject", "all", "--format-date", "--format-time", "--yes"});
     // Every point but the lost fixes (about one in a hundred), and none of them.
     EXPECT_GT(bytes.count("\r\n"), 2900);
     EXPECT_LT(bytes.count("\r\n"), 3001);
     EXPECT_FALSE(bytes.contains(",-1,"));
     EXPECT_TRUE(bytes.contains("\"UnAssigned Individual\""));
-    EXPECT_EQ(b.readAll(), bytes);
+    EXPECT_EQ(pgBytes, bytes);
 }
 
 } // namespace
