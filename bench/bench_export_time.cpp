@@ -5,6 +5,7 @@
 // Database" runs it. Both go through the Export window's session, as the window drives it.
 // Last line: export-time: ours=<s>s peer=<s>s ratio=<ours/peer>
 #include "bench_demo.h"
+#include "bench_peer.h"
 #include "export/export_session.h"
 #include "foundation/dao.h"
 #include "foundation/feedback.h"
@@ -15,7 +16,6 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
-#include <QProcess>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <sqlite3.h>
@@ -103,14 +103,6 @@ const char* const kPeerScript =
     "UPDATE JobTimeRecords SET ExportID = ExportID + 1, Approved = 2"
     " WHERE ExportID = 0 AND Approved = 1;\n";
 
-qint64 countLines(const QString& file)
-{
-    QFile f(file);
-    if (!f.open(QIODevice::ReadOnly))
-        return -1;
-    return f.readAll().count('\n');
-}
-
 // The window's road through its session: data set, ticks, "Select All Records", "Scan
 // Database", both formats, and "Create File" into file (empty: stop after the scan).
 struct SessionRun {
@@ -185,7 +177,7 @@ int main(int argc, char** argv)
     const SessionRun run = exportThroughSession(ours, oursTxt);
     const double oursSeconds = double(clock.nsecsElapsed()) / 1e9;
     if (!run.ok || run.result.outcome != tp::ExportJobResult::Completed || run.result.marked != kRecords
-        || countLines(oursTxt) != kRecords + 1) {
+        || bench::countLines(oursTxt) != kRecords + 1) {
         std::fprintf(stderr, "our export failed: %s (marked %lld)\n", qPrintable(run.result.status),
                      static_cast<long long>(run.result.marked));
         return 1;
@@ -193,17 +185,10 @@ int main(int argc, char** argv)
 
     // The peer.
     const QString peerCsv = QDir(dir.path()).filePath(QStringLiteral("peer.csv"));
-    clock.restart();
-    QProcess shell;
-    shell.start(QStringLiteral("sqlite3"), {peer});
-    shell.write(QString::fromLatin1(kPeerScript).arg(peerCsv).toUtf8());
-    shell.closeWriteChannel();
-    if (!shell.waitForFinished(600000) || shell.exitCode() != 0) {
-        std::fprintf(stderr, "sqlite3 failed: %s\n", shell.readAllStandardError().constData());
+    const double peerSeconds = bench::runSqliteShell(peer, QString::fromLatin1(kPeerScript).arg(peerCsv));
+    if (peerSeconds < 0)
         return 1;
-    }
-    const double peerSeconds = double(clock.nsecsElapsed()) / 1e9;
-    if (countLines(peerCsv) != kRecords + 1) {
+    if (bench::countLines(peerCsv) != kRecords + 1) {
         std::fprintf(stderr, "the peer's file is incomplete\n");
         return 1;
     }

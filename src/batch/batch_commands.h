@@ -24,6 +24,10 @@ int importCommand(const Options& options, ConsoleFeedback& feedback, std::FILE* 
 int selectScanAndSave(ExportSession& session, const Options& options, ConsoleFeedback& feedback,
                       std::FILE* out);
 
+// "GPS Data": the subjects of --subject, as the track-subject window would choose them. False
+// (told) for a track that stands for no subject.
+bool chooseGpsSubjects(ExportSession& session, const Options& options, ConsoleFeedback& feedback);
+
 // Prints the last status text (if any) as the run's last word on out; returns status.
 int finishWithStatus(ConsoleFeedback& feedback, std::FILE* out, int status);
 

@@ -61,11 +61,6 @@ int exportCommand(const Options& options, ConsoleFeedback& feedback, std::FILE* 
     const QStringList offered = session.offeredDataSets();
     if (!offered.contains(options.dataset))
         return refuseDataSet(feedback, out, offered);
-    if (options.dataset == kListGps) {
-        feedback.status(QString());
-        feedback.note(options.dataset + QStringLiteral(" is not available in this version."));
-        return finishWithStatus(feedback, out, ExitFailure);
-    }
 
     session.selectDataSet(options.dataset);
     session.reportAvailability();
@@ -80,6 +75,8 @@ int exportCommand(const Options& options, ConsoleFeedback& feedback, std::FILE* 
         if (choice.header)
             session.setHeaderText(row, *choice.header);
     }
+    if (options.dataset == kListGps && !chooseGpsSubjects(session, options, feedback))
+        return finishWithStatus(feedback, out, ExitFailure);
     return selectScanAndSave(session, options, feedback, out);
 }
 

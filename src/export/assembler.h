@@ -24,7 +24,9 @@ struct ExportRequest {
     QStringList fields;         // output column field names, in column order (grid header texts)
     bool formatDate = false;    // "Undo Date" showing: Date values as MM/DD/YYYY
     bool formatTime = false;    // "Undo Time" showing: Time values as HH:MM:SS
-    std::vector<qint32> trackSubjects;
+    std::vector<qint32> trackSubjects;   // TrackSubjects: positions 1 to n when several
+    qint32 currentTrackSubject = 0;      // CurrentTrackSubject: the one subject's track
+    qint64 scannedCount = -1;            // what the scan counted (ExportRecordCount); -1: unknown
     QString settingsFile;       // "KRV.ini", "lumtrek.ini", ...
 };
 
@@ -97,6 +99,10 @@ public:
     // place. Returns the number marked, -1 after a failure.
     virtual qint64 mark(const ExportRequest& request, const ExportedRows* rows) = 0;
 };
+
+// The question before a load of more than 200 records. True to go on (the cancel flag is then
+// cleared); false when the user declined (the flag is set).
+bool ConfirmLongExport(Feedback& feedback, qint64 total, bool& cancel);
 
 // Lets a long loop report often enough for a person and rarely enough to stay fast:
 // due() is true for the first and last item, every 256th, and when 50 ms have passed.

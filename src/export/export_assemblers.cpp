@@ -1,5 +1,6 @@
 #include "export/export_assemblers.h"
 
+#include "export/gps_data.h"
 #include "export/inventory_data.h"
 #include "export/location_data.h"
 #include "export/time_data.h"
@@ -15,6 +16,8 @@ std::unique_ptr<ExportAssembler> MakeExportAssembler(const QString& tableKey, cD
         return std::make_unique<InventoryAssembler>(db, feedback);
     if (tableKey == kTableLocations)
         return std::make_unique<LocationAssembler>(db, feedback);
+    if (tableKey == kTableGps)
+        return std::make_unique<GpsAssembler>(db, feedback);
     return nullptr;
 }
 

@@ -24,17 +24,6 @@ bool isStandardDate(const QString& text)
     return text.size() == 10 && QDate::fromString(text, QStringLiteral("MM/dd/yyyy")).isValid();
 }
 
-// The cell text read as a 32-bit whole number, as the old Val/CLng pair did: the leading
-// number, 0 when there is none.
-qint32 cellNumber(const QString& text)
-{
-    bool ok = false;
-    const double d = text.trimmed().toDouble(&ok);
-    if (!ok || d >= 2147483647.5 || d < -2147483648.5)
-        return 0;
-    return qint32(qRound64(d));
-}
-
 } // namespace
 
 ExportAssembler* ExportSession::assembler()
@@ -59,6 +48,9 @@ ExportRequest ExportSession::request() const
     r.formatDate = m_formatDates;
     r.formatTime = m_formatTimes;
     r.trackSubjects = TrackSubjects;
+    r.currentTrackSubject = CurrentTrackSubject;
+    if (ExportRecordCount > 0)
+        r.scannedCount = ExportRecordCount;
     r.settingsFile = globals().SettingsFileName;
     return r;
 }
@@ -179,6 +171,8 @@ ScanOutcome ExportSession::scanDatabase()
     ScanOutcome out;
     ExportAssembler* source = assembler();
     const bool dated = SelectionMode == kSelectionDate;
+    if (source && msTableSelected == kTableGps)
+        return scanGpsDatabase();
     const bool locations = msTableSelected == kTableLocations;
     if (!source || (!isTimeOrInventory() && !locations))
         return out;
@@ -208,6 +202,11 @@ ScanOutcome ExportSession::scanDatabase()
         fillRecordGrid(source->preview(req, count));
     }
 
+    return finishScan(out);
+}
+
+ScanOutcome ExportSession::finishScan(ScanOutcome out)
+{
     if (CancelRequested) {
         clearRecordGrid();
         m_feedback.status(kCancelStatus);
@@ -244,7 +243,7 @@ void ExportSession::formatColumn(const QString& name, std::vector<qint64>& saved
             if (on) {
                 // Times are read as the getter reads them, so the grid shows what the file gets.
                 if (name == kDateField) {
-                    saved[std::size_t(r)] = cellNumber(cell);
+                    saved[std::size_t(r)] = storedWholeNumber(cell);
                     m_grid.setText(c, r, ConvertField2StandardDate(cell));
                 } else {
                     saved[std::size_t(r)] = storedTimeNumber(cell);

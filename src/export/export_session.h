@@ -6,6 +6,7 @@
 #include "export/export_catalogue.h"
 #include "export/export_job.h"
 #include "export/record_grid.h"
+#include "export/track_subjects.h"
 
 #include <QString>
 #include <QVariant>
@@ -144,6 +145,13 @@ public:
 
     // "Scan Database": counts the selection and puts its first 20 records into the record grid.
     ScanOutcome scanDatabase();
+
+    // ---- GPS subjects (export_selection_gps.cpp) ----
+
+    // Takes what the track-subject window chose; false when nothing was chosen.
+    bool chooseTrackSubjects(const TrackSubjectChoice& choice);
+    // More than one subject is chosen: the scan and the save go through them in turn.
+    bool hasTrackSubjectList() const { return TrackSubjects.size() > 1; }
     // Which output-format buttons a successful scan offers.
     bool tickedField(const QString& name) const;
 
@@ -204,6 +212,9 @@ private:
     DateRange setDate(QString& box, qint32& number, const QString& date);
     void formatColumn(const QString& name, std::vector<qint64>& saved, bool on);
     void fillRecordGrid(const PreviewResult& preview);
+    // The end every scan shares: the outcome, the status and the locked grid.
+    ScanOutcome finishScan(ScanOutcome out);
+    ScanOutcome scanGpsDatabase();
 
     cDAO& m_db;
     Feedback& m_feedback;

@@ -146,12 +146,35 @@ ExportValue TypeValue(const QString& s, FieldType type)
     return ExportValue::ofText(s);
 }
 
+qint32 storedWholeNumber(const QString& text)
+{
+    bool ok = false;
+    const double d = text.trimmed().toDouble(&ok);
+    if (!ok || d >= 2147483647.5 || d < -2147483648.5)
+        return 0;
+    return qint32(qRound64(d));
+}
+
 QString formatExportNumber(double d)
 {
     // Typed values come from finite decimal texts; anything else has no file form.
     if (d == 0 || !std::isfinite(d))
         return QStringLiteral("0");
     char buf[64];
+    // Most numbers need no rounding and no exponent: their shortest plain form is the answer.
+    if (const double a = std::abs(d); a >= 1e-7 && a < 1e15) {
+        const auto plain = std::to_chars(buf, buf + sizeof buf, d, std::chars_format::fixed);
+        int significant = 0;
+        bool leading = true;
+        for (const char* c = buf; c != plain.ptr; ++c) {
+            if (*c < '0' || *c > '9' || (leading && *c == '0'))
+                continue;
+            leading = false;
+            ++significant;
+        }
+        if (plain.ec == std::errc() && significant <= 15)
+            return QString::fromLatin1(buf, qsizetype(plain.ptr - buf));
+    }
     auto r = std::to_chars(buf, buf + sizeof buf, d, std::chars_format::scientific);
     std::string sci(buf, r.ptr);
     auto split = [](const std::string& text, bool& negative, std::string& digits, int& exponent) {

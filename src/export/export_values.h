@@ -35,6 +35,9 @@ ExportValue TypeValue(const QString& s, FieldType type);
 // "1E+21" are numeric; "1,5", "1e", "e5" not.
 bool isExportNumeric(const QString& s);
 
+// A stored number's text read as a 32-bit whole number, rounded; 0 when it is no number or
+// does not fit (the clock and date layouts take whole numbers).
+qint32 storedWholeNumber(const QString& text);
 // Shortest text that reads back as d, at most 15 significant digits, period as separator,
 // plain decimal whatever the size (no exponent): 20050131, 12.5, -95.2, 0.5, 0.00000001.
 QString formatExportNumber(double d);

@@ -3,6 +3,7 @@
 #include "export/frmExport.h"
 
 #include "export/frmExportCalendar.h"
+#include "export/frmTrackSubjects.h"
 #include "foundation/globals.h"
 #include "ui/window_support.h"
 
@@ -71,9 +72,15 @@ void frmExport::SelectAllRecords()
     CalendarResult.clear();
 
     if (cmdAll->text() == kSelectUnit || cmdAll->text() == kSelectEmployee) {
-        // The GPS subjects are chosen in a window of their own, which this build lacks:
-        // nothing chosen leaves the buttons as they were.
+        // GPS subjects are chosen in a window of their own; nothing chosen leaves the buttons
+        // as they were.
         m_session.TrackSubjects.clear();
+        frmTrackSubjects subjects(m_session.database(), *m_feedback, globals().SettingsFileName, this);
+        subjects.exec();
+        if (!subjects.choice() || !m_session.chooseTrackSubjects(*subjects.choice()))
+            return;
+        cmdAll->setEnabled(false);
+        cmdDate->setEnabled(true);
         return;
     }
 

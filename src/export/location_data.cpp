@@ -142,7 +142,7 @@ qint64 LocationAssembler::loadMapLocations(const ExportRequest& request, bool& c
         m_feedback.message(0, QStringLiteral("No records found."), kBoxTitle);
         return 0;
     }
-    if (!confirmLongExport(m_feedback, total, cancel))
+    if (!ConfirmLongExport(m_feedback, total, cancel))
         return 0;
 
     RecordsetPtr rs = m_db.RecSet_Forward(selectRows());

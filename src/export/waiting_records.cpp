@@ -68,17 +68,6 @@ QString SlotTable::fieldText(int slot, const QString& stored, bool formatDate,
     return stored;
 }
 
-bool confirmLongExport(Feedback& feedback, qint64 total, bool& cancel)
-{
-    if (total <= 200)
-        return true;
-    const short answer = feedback.ask(
-        0, QStringLiteral("There are ") + QString::number(total) +
-               QStringLiteral(" records to be exported. This may take some time. Do you wish to continue?"));
-    cancel = answer != AnswerYes;
-    return !cancel;
-}
-
 // One open selection: which columns the output needs and how to read them.
 class WaitingRecordsAssembler::Reader {
 public:
@@ -321,7 +310,7 @@ LoadResult WaitingRecordsAssembler::load(const ExportRequest& request, RecordSin
     if (total > 0) {
         if (!request.byDate && m_style.loadStartStatus)
             m_feedback.status(QStringLiteral("Retrieving  ..."));
-        if (!confirmLongExport(m_feedback, total, cancel)) {
+        if (!ConfirmLongExport(m_feedback, total, cancel)) {
             result.outcome = LoadOutcome::Declined;
             return result;
         }

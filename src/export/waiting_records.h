@@ -97,9 +97,6 @@ private:
     QHash<qint32, CachedEmployee> m_employees;   // one pass's look-ups
 };
 
-// Asks the long-export question when total is over the window's limit of 200. False: the
-// user said No (cancel is then set); true: go on (cancel cleared after a Yes).
-bool confirmLongExport(Feedback& feedback, qint64 total, bool& cancel);
 
 
 } // namespace tp

@@ -2,6 +2,7 @@
 #include "export/frmExport.h"
 #include "startup/frmAbout.h"
 #include "startup/frmFirst.h"
+#include "startup/frmFirst_screenshots_gps.h"
 
 #include "foundation/globals.h"
 
@@ -59,6 +60,9 @@ QStringList frmFirst::saveScreenshots(const QString& folder)
         window.CancelExport();
     }
     window.close();
+    saveGpsScreenshots(*db, this, prompts, fileDialog, [&](QWidget* w, const QString& name) {
+        save(w, dir.filePath(name), written);
+    });
     return written;
 }
 

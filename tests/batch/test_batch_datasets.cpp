@@ -108,15 +108,5 @@ TEST_F(BatchDataSets, PinpointsUnderLumtrekNeverAsk)
     EXPECT_EQ(branch.exitCode, 2);
 }
 
-TEST_F(BatchDataSets, GpsDataIsTheOneStillNotAvailable)
-{
-    const BatchRun r = run({"export", "--settings", "KRV.ini", "--user", "1", "--dataset", "GPS Data", "--fields",
-                            "TrackID", "--output", "gps.txt", "--from", "01/01/2024", "--to", "01/31/2024",
-                            "--subject", "all"});
-    EXPECT_EQ(r.exitCode, 1);
-    EXPECT_EQ(r.err, "GPS Data is not available in this version.\n\n");
-    EXPECT_FALSE(QFile::exists(path("gps.txt")));
-}
-
 } // namespace
 } // namespace tp::test

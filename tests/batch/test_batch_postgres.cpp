@@ -18,12 +18,10 @@ struct Site {
     QString location;
 };
 
+// Without tracks unless options say otherwise.
 bool makeSite(Site& site, const QString& location, const QString& dbFolder, const QString& dbName,
-              QString* error)
+              QString* error, DemoOptions options = {.tracks = 0, .gpsPoints = 0})
 {
-    DemoOptions options;
-    options.tracks = 0;
-    options.gpsPoints = 0;
     options.replaceExisting = true;
     site.location = location;
     return createDemoDatabase(location, options, error) &&
@@ -48,7 +46,8 @@ QString markCounts(const QString& location, const QString& table = QStringLitera
     return counts.join(QLatin1Char(' '));
 }
 
-// The same demo data on both engines.
+// The same demo data in an SQLite file and in a scratch PostgreSQL database, each with its
+// settings folder, and the tool run with the same arguments on both.
 class BatchOnPostgres : public ::testing::Test {
 protected:
     void SetUp() override
@@ -56,15 +55,17 @@ protected:
         if (!pg.ok() && pgTestUrl().isEmpty())
             GTEST_SKIP() << kPgSkipMessage;
         ASSERT_TRUE(pg.ok()) << pg.error().toStdString();
+    }
+    void makeSites(const DemoOptions& options = {.tracks = 0, .gpsPoints = 0})
+    {
         QString error;
         const QString file = QDir(files.path()).filePath(QStringLiteral("demo.db"));
-        ASSERT_TRUE(makeSite(sqlite, file, files.path(), QStringLiteral("demo.db"), &error))
+        ASSERT_TRUE(makeSite(sqlite, file, files.path(), QStringLiteral("demo.db"), &error, options))
             << error.toStdString();
         const qsizetype cut = pg.url().lastIndexOf(QLatin1Char('/')) + 1;
-        ASSERT_TRUE(makeSite(postgres, pg.url(), pg.url().left(cut), pg.url().mid(cut), &error))
+        ASSERT_TRUE(makeSite(postgres, pg.url(), pg.url().left(cut), pg.url().mid(cut), &error, options))
             << error.toStdString();
     }
-
     struct Both {
         QByteArray sqliteBytes, postgresBytes;
         QString postgresOut;
@@ -97,6 +98,7 @@ protected:
 
 TEST_F(BatchOnPostgres, SameFileAndMarksAsOnSqliteAndACleanExit)
 {
+    makeSites();
     ASSERT_EQ(markCounts(sqlite.location), markCounts(postgres.location));
     const Both both = exportOnBoth(
         {"--settings", "KRV.ini", "--user", "1", "--dataset", "Time Data", "--fields",
@@ -113,6 +115,7 @@ TEST_F(BatchOnPostgres, SameFileAndMarksAsOnSqliteAndACleanExit)
 // engines, and the same inventory marks.
 TEST_F(BatchOnPostgres, OtherDataSetsGiveTheSameFilesAsOnSqlite)
 {
+    makeSites();
     const QString inventory = QStringLiteral("InventoryHistory");
     const QString before = markCounts(sqlite.location, inventory);
     ASSERT_EQ(markCounts(postgres.location, inventory), before);
@@ -135,6 +138,26 @@ TEST_F(BatchOnPostgres, OtherDataSetsGiveTheSameFilesAsOnSqlite)
     EXPECT_EQ(markCounts(postgres.location, inventory), markCounts(sqlite.location, inventory));
     // The waiting movements were marked on both.
     EXPECT_NE(markCounts(sqlite.location, inventory), before);
+}
+
+// The demo's tracks (a vehicle out without a driver, a driver with a second vehicle, lost fixes)
+// exported for all subjects give the same file from both engines.
+TEST_F(BatchOnPostgres, GpsDataOfAllSubjectsIsTheSameFileAsOnSqlite)
+{
+    makeSites({.timeRecords = 0, .inventoryRecords = 0, .tracks = 60, .gpsPoints = 3000});
+    const Both both = exportOnBoth(
+        {"--settings", "lumtrek.ini", "--user", "1", "--dataset", "GPS Data", "--fields",
+         "Assigned To,Unit Identifier,TrackID,Longitude,Latitude,Time,Date,Speed", "--from", "11/01/2023",
+         "--to", "02/29/2024", "--subject", "all", "--format-date", "--format-time", "--yes"},
+        QStringLiteral("gps.txt"));
+    const QByteArray& bytes = both.sqliteBytes;
+    EXPECT_EQ(both.postgresOut, QStringLiteral("Export Completed Successfully\n"));
+    // Every point but the lost fixes (about one in a hundred), and none of them.
+    EXPECT_GT(bytes.count("\r\n"), 2900);
+    EXPECT_LT(bytes.count("\r\n"), 3001);
+    EXPECT_FALSE(bytes.contains(",-1,"));
+    EXPECT_TRUE(bytes.contains("\"UnAssigned Individual\""));
+    EXPECT_EQ(both.postgresBytes, bytes);
 }
 
 } // namespace

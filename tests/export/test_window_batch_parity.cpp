@@ -1,6 +1,7 @@
 // The window and tallyport-batch, given the same choices on the same records, write the same
 // bytes and mark the same records.
 #include "export_window_fixture.h"
+#include "gps_window_fixture.h"
 
 #include "support/export_rows.h"
 #include "support/programs.h"
@@ -209,6 +210,48 @@ TEST_F(WindowBatchParity, WindowThatScannedWhatABatchRunTookWritesOnlyWhatIsLeft
     EXPECT_EQ(readBytes(batchFile), expectedBatch);
     EXPECT_EQ(readBytes(windowFile), expectedWindow);
     EXPECT_EQ(site.scalar("Select count(*) from JobTimeRecords where Approved = 2 and ExportID = 1"), 300);
+}
+
+using GpsWindowBatchParity = GpsWindowTest;
+
+TEST_F(GpsWindowBatchParity, AllSubjectsInARangeWithEditedHeaderAndFormatsGiveTheSameFile)
+{
+    openGps();
+    tick({7, 6, 1, 3, 4});   // Time, Date, EmployeeFirstName, TrackID, Longitude
+    fieldGrid()->item(2, 4)->setText(QStringLiteral("Track \"no\""));
+    chooseSubjects({0});
+    press("cmdDate");
+    pickDate(button("cmdStart"), 2004, 3, 2);
+    pickDate(button("cmdStop"), 2004, 3, 6);
+    press("cmdOK");
+    press("cmdFormatDate");
+    press("cmdFormatTime");
+    press("cmdPreviewExport");
+    const QString windowFile = outFile(QStringLiteral("window.txt"));
+    dialogs.names.push_back(windowFile);
+    press("cmdPreviewExport");
+    ASSERT_EQ(status(), QStringLiteral("Export Completed Successfully"));
+    const QByteArray windowBytes = readBytes(windowFile);
+    window.reset();
+
+    const QString batchFile = outFile(QStringLiteral("batch.txt"));
+    const ProgramRun batch = runProgram(
+        TP_BINARY_DIR "/tallyport-batch",
+        {"export", "--settings", "KRV.ini", "--user", "1", "--dataset", "GPS Data", "--fields",
+         "Time,Date,EmployeeFirstName,TrackID=Track \"no\",Longitude", "--from", "03/02/2004", "--to",
+         "03/06/2004", "--subject", "all", "--format-date", "--format-time", "--output", batchFile},
+        site.settingsFolder());
+    ASSERT_EQ(batch.exitCode, 0) << batch.err.toStdString();
+    EXPECT_EQ(readBytes(batchFile), windowBytes);
+    // Subject after subject, each pairing's tracks in date order; no -1 fix.
+    EXPECT_EQ(windowBytes, QByteArray("\"Time\",\"Date\",\"EmployeeFirstName\",\"Track \"no\"\",\"Longitude\"\r\n"
+                                      "\"7:00:00\",\"03/04/2004\",\"UnAssigned Individual\",24,-120.5\r\n"
+                                      "\"7:00:30\",\"03/04/2004\",\"UnAssigned Individual\",24,-120.25\r\n"
+                                      "\"12:00:00\",\"03/02/2004\",\"Ann\",22,-122.125\r\n"
+                                      "\"8:00:00\",\"03/05/2004\",\"Ann\",21,-122.75\r\n"
+                                      "\"8:00:10\",\"03/05/2004\",\"Ann\",21,-122.5\r\n"
+                                      "\"9:00:00\",\"03/03/2004\",\"Ann\",23,-121.5\r\n"
+                                      "\"11:00:00\",\"03/06/2004\",\"Unknown\",26,-119.5\r\n"));
 }
 
 } // namespace

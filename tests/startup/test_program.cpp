@@ -30,12 +30,15 @@ TEST_F(Program, ScreenshotModeSavesTheWindows)
     const ProgramRun r = run({"--screenshots", shots.path(), "x,KRV.ini,true,1"});
     ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
     const QStringList files = r.out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-    ASSERT_EQ(files.size(), 6) << r.out.toStdString();
+    ASSERT_EQ(files.size(), 8) << r.out.toStdString();
     for (const QString& file : files) {
         EXPECT_TRUE(file.startsWith(shots.path()));
         EXPECT_GT(QFileInfo(file).size(), 1000) << file.toStdString();
     }
-    EXPECT_TRUE(files.last().endsWith(QStringLiteral("export-window-preview.png")));
+    EXPECT_TRUE(files.at(5).endsWith(QStringLiteral("export-window-preview.png")));
+    // The GPS pictures: the subject list, then a preview of the subjects' points.
+    EXPECT_TRUE(files.at(6).endsWith(QStringLiteral("track-subjects.png")));
+    EXPECT_TRUE(files.at(7).endsWith(QStringLiteral("export-window-gps-preview.png")));
 }
 
 // The desktop menu has no host line to pass: the window opens, says why its functions are off,
