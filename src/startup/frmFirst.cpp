@@ -1,6 +1,7 @@
 #include "startup/frmFirst.h"
 
 #include "export/frmExport.h"
+#include "import/frmImport.h"
 #include "foundation/feedback.h"
 #include "foundation/globals.h"
 #include "startup/frmAbout.h"
@@ -116,8 +117,15 @@ bool frmFirst::gate(FunctionMode mode)
 
 void frmFirst::importClicked()
 {
-    // The gate is all there is to importing until the Import window joins.
-    gate(FunctionMode::Import);
+    if (!gate(FunctionMode::Import))
+        return;
+    cDAO* db = SharedDatabase();
+    if (!db) {
+        ShowMessage(1, kCannotOpenDatabase);
+        return;
+    }
+    frmImport window(*db, this, prompts, fileDialog);
+    showModal(window);
 }
 
 void frmFirst::exportClicked()

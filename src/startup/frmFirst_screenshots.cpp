@@ -1,5 +1,6 @@
 // Screenshot mode of the main window: for machines without a screen (demo and review).
 #include "export/frmExport.h"
+#include "import/frmImport.h"
 #include "startup/frmAbout.h"
 #include "startup/frmFirst.h"
 
@@ -59,6 +60,7 @@ QStringList frmFirst::saveScreenshots(const QString& folder)
         window.CancelExport();
     }
     window.close();
+    written << frmImport::saveScreenshots(*db, this, folder);
     return written;
 }
 
