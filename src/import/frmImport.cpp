@@ -76,6 +76,7 @@ void frmImport::buildControls()
     QFont bold = lblSelection->font();
     bold.setBold(true);
     lblSelection->setFont(bold);
+    lblSelection->setWordWrap(true);   // the small first window is narrower than the prompt
 
     lstTables = named(new QListWidget(this), "lstTables");
     lstTables->setMinimumSize(120, 60);
@@ -215,6 +216,8 @@ void frmImport::showChoiceState()
     hideFileControls(true);
     showFileChoiceControls(true);
     cmdImportToDB->setEnabled(false);
+    // The hidden panel must stop holding the window wide before the window is placed.
+    layout()->activate();
 }
 
 void frmImport::resetImportControls()

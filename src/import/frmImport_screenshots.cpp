@@ -61,6 +61,8 @@ QStringList frmImport::saveScreenshots(cDAO& db, QWidget* parent, const QString&
     if (good.isEmpty() || bad.isEmpty() || !window.chooseDataSet(kImportListMapLocations))
         return written;
     window.clickFieldBox(5, true);   // City
+    // Taller than it opens, so that the pictures show more of the grid and the sample.
+    window.resize(window.width(), window.height() * 3 / 2);
     dialogs.names = {bad};
     window.GetFile();
     save(&window, dir.filePath(QStringLiteral("import-window.png")), written);
