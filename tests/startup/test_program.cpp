@@ -30,12 +30,18 @@ TEST_F(Program, ScreenshotModeSavesTheWindows)
     const ProgramRun r = run({"--screenshots", shots.path(), "x,KRV.ini,true,1"});
     ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
     const QStringList files = r.out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-    ASSERT_EQ(files.size(), 6) << r.out.toStdString();
+    ASSERT_EQ(files.size(), 10) << r.out.toStdString();
     for (const QString& file : files) {
         EXPECT_TRUE(file.startsWith(shots.path()));
         EXPECT_GT(QFileInfo(file).size(), 1000) << file.toStdString();
     }
-    EXPECT_TRUE(files.last().endsWith(QStringLiteral("export-window-preview.png")));
+    EXPECT_TRUE(files[5].endsWith(QStringLiteral("export-window-preview.png")));
+    // The import window's list, grid, fault message and confirmation sample.
+    QStringList importNames;
+    for (const QString& file : files.mid(6))
+        importNames << QFileInfo(file).fileName();
+    EXPECT_EQ(importNames, (QStringList{"import-window-list.png", "import-window.png", "import-window-fault.png",
+                                        "import-window-sample.png"}));
 }
 
 TEST_F(Program, FatalStartUpEndsWithAFailureStatus)
