@@ -64,7 +64,7 @@ TEST(ImportWindowOnPostgres, MapLocationsScannedAndImportedWithApostrophesIntact
     const QString file = QDir(files.path()).filePath(QStringLiteral("pg-locations.txt"));
     ASSERT_TRUE(writeBytes(file, "locationname,BRANCHNUMBER,Address1,City\r\n"
                                  "PG Depot,1,1 Main St,Chicago\r\n"
-                                 "PG Bob's; Delete from BranchInfo --,2,2 Side St,Gary\r\n"));
+                                 "PG Bob's' OR 'a' -- x,2,2 Side St,Gary\r\n"));
     ui::ScriptedFileDialog dialogs;
     dialogs.names.push_back(file);
     frmImport window(*SharedDatabase(), nullptr, &foundation.feedback, &dialogs);
@@ -78,7 +78,7 @@ TEST(ImportWindowOnPostgres, MapLocationsScannedAndImportedWithApostrophesIntact
     window.findChild<QPushButton*>(QStringLiteral("cmdGetFile"))->click();
     window.findChild<QPushButton*>(QStringLiteral("cmdOk"))->click();
     ASSERT_TRUE(foundation.feedback.messages().isEmpty()) << foundation.feedback.messages().join("\n").toStdString();
-    EXPECT_TRUE(window.formatText().contains(QStringLiteral("2 , ''PG Bob's; Delete from BranchInfo --'' , "
+    EXPECT_TRUE(window.formatText().contains(QStringLiteral("2 , ''PG Bob's' OR 'a' -- x'' , "
                                                             "''2 Side St'' , ''Gary''")))
         << window.formatText().toStdString();
     auto* importButton = window.findChild<QPushButton*>(QStringLiteral("cmdImportToDB"));
@@ -89,7 +89,7 @@ TEST(ImportWindowOnPostgres, MapLocationsScannedAndImportedWithApostrophesIntact
     EXPECT_EQ(readRows(pg.url(), QStringLiteral("Select BranchNumber, LocationName, Address1, City from "
                                                 "CommonLocations where LocationName like 'PG %' "
                                                 "order by CommonLocationNumber")),
-              QStringLiteral("1:PG Depot:1 Main St:Chicago|2:PG Bob's; Delete from BranchInfo --:2 Side St:Gary"));
+              QStringLiteral("1:PG Depot:1 Main St:Chicago|2:PG Bob's' OR 'a' -- x:2 Side St:Gary"));
     EXPECT_GT(readRows(pg.url(), QStringLiteral("Select count(*) from BranchInfo")).toInt(), 0);
     window.close();
     SharedDatabase()->DB_Close();
