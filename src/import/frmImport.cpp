@@ -215,6 +215,7 @@ void frmImport::showChoiceState()
     txtFormat->hide();
     hideFileControls(true);
     showFileChoiceControls(true);
+    cmdOk->setEnabled(false);   // until a file is chosen
     cmdImportToDB->setEnabled(false);
     // The hidden panel must stop holding the window wide before the window is placed.
     layout()->activate();

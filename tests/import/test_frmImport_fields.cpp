@@ -50,6 +50,7 @@ TEST_F(ImportWindowFields, ListOffersDataSetsPerSettingsFileAndRights)
 }
 
 struct ChoiceCase {
+    const char* commandLine;
     const char* listText;
     bool branches;
     const char* selection;
@@ -60,33 +61,40 @@ struct ChoiceCase {
 
 TEST_F(ImportWindowFields, ChoosingADataSetFillsCaptionsGridTicksAndSelectionLine)
 {
+    const char* const customers = "Customer Data Fields To Save To The Database";
+    const char* const employees = "Employee Data Fields To Save To The Database";
+    const char* const vehicles = "Vehicle Data Fields To Save To The Database";
+    const char* const map = "Map Data Fields To Save To The Database";
+    const char* const branchRow = "BranchNumber|Number|9|Number of Existing Branch.";
+    const char* const latitudeRow = "Latitude|Number|Decimal|-90 to +90.";
     const ChoiceCase cases[] = {
-        {"Customer Data", true, "Customer Data Fields", "Customer Data Fields To Save To The Database",
-         "111010000000001", "BranchNumber|Number|9|Number of Existing Branch."},
-        {"Employee Data", true, "Employee Data Fields", "Employee Data Fields To Save To The Database",
-         "11010000000001", "BranchNumber|Number|9|Number of Existing Branch."},
-        {"Vehicle Data", true, "Vehicle Data Fields", "Vehicle Data Fields To Save To The Database",
-         "111000001", "BranchNumber|Number|9|Number of Existing Branch."},
-        {"Map Locations Data", true, "Map Locations Data Fields", "Map Data Fields To Save To The Database",
-         "111000000", "Latitude|Number|Decimal|-90 to +90."},
-        {"Customer Data", false, "Customer Data Fields", "Customer Data Fields To Save To The Database",
-         "11101000000000", "HomePhone|Text|14|(###) ###-####"},
-        {"Vehicle Data", false, "Vehicle Data Fields", "Vehicle Data Fields To Save To The Database", "11100000",
+        {"x,KRV.ini,true,1", "Customer Data", true, "Customer Data Fields", customers, "111010000000001", branchRow},
+        {"x,KRV.ini,true,1", "Employee Data", true, "Employee Data Fields", employees, "11010000000001", branchRow},
+        {"x,KRV.ini,true,1", "Vehicle Data", true, "Vehicle Data Fields", vehicles, "111000001", branchRow},
+        {"x,KRV.ini,true,1", "Map Locations Data", true, "Map Locations Data Fields", map, "111000000", latitudeRow},
+        // The dispatcher's only entry stands first in the list: it is still the vehicles.
+        {"x,KRV.ini,true,2", "Vehicle Data", true, "Vehicle Data Fields", vehicles, "111000001", branchRow},
+        // Rows with branches come first: the rows below delete them.
+        {"x,KRV.ini,true,1", "Customer Data", false, "Customer Data Fields", customers, "11101000000000",
+         "HomePhone|Text|14|(###) ###-####"},
+        {"x,KRV.ini,true,1", "Vehicle Data", false, "Vehicle Data Fields", vehicles, "11100000",
          "TrackerSerialNumber|Text|9|Number of Existing Tracker Serial Number."},
-        {"Map Locations Data", false, "Map Locations Data Fields", "Map Data Fields To Save To The Database",
-         "101000000", "Latitude|Number|Decimal|-90 to +90."},
+        {"x,KRV.ini,true,1", "Map Locations Data", false, "Map Locations Data Fields", map, "101000000", latitudeRow},
+        {"x,lumtrek.ini,true,3", "Pinpoints Data", false, "Pinpoints Data Fields",
+         "Pinpoints Data Fields To Save To The Database", "10000000", latitudeRow},
     };
     for (const ChoiceCase& c : cases) {
-        SCOPED_TRACE(std::string(c.listText) + (c.branches ? " with branches" : " without branches"));
+        SCOPED_TRACE(std::string(c.commandLine) + " " + c.listText + (c.branches ? " with branches" : " without"));
         if (!c.branches) {
             ASSERT_TRUE(site.exec(QStringLiteral("Delete from BranchInfo")));
         }
-        openDataSet(QString::fromLatin1(c.listText));
+        openDataSet(QString::fromLatin1(c.listText), c.commandLine);
         EXPECT_EQ(label("lblSelection"), QString::fromLatin1(c.selection));
         EXPECT_EQ(label("lblFileFormat"), QString::fromLatin1(c.fileFormat));
         EXPECT_TRUE(list()->isHidden());
         EXPECT_TRUE(grid()->isVisible());
         EXPECT_TRUE(button("cmdOk")->isVisible());
+        EXPECT_FALSE(button("cmdOk")->isEnabled());   // no file yet
         EXPECT_TRUE(button("cmdGetFile")->isVisible());
         EXPECT_TRUE(button("cmdGetDifferentTable")->isVisible());
         EXPECT_FALSE(button("cmdImportToDB")->isEnabled());

@@ -114,7 +114,8 @@ TEST_F(ImportWindowFile, ACleanScanShowsTheSampleAndOffersTheImport)
     tick({6});
     EXPECT_FALSE(button("cmdImportToDB")->isEnabled());
     EXPECT_EQ(status(), QString());
-    EXPECT_EQ(shownFormat(), QStringLiteral("''LocationName'' , ''BranchNumber'' , ''Address1'' , ''City'' , ''State''"));
+    EXPECT_EQ(shownFormat(),
+              QStringLiteral("''LocationName'' , ''BranchNumber'' , ''Address1'' , ''City'' , ''State''"));
     EXPECT_TRUE(button("cmdOk")->isEnabled());
     EXPECT_EQ(site.scalar(QStringLiteral("Select count(*) from CommonLocations where LocationName like 'Test %'")), 0);
 }
