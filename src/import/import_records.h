@@ -71,9 +71,6 @@ struct ImportRecordList {
     bool isRequired(const QString& name) const;
 };
 
-// The layout field that a grid name (a heading) fills for a data set; -1 when none.
-int RecordFieldFor(ImportDataType type, const QString& gridName);
-
 // txtFormat after a clean scan: "End of File Scanning.", the sample heading, the selection
 // line, at most ten records and "e.t.c.", lines joined by CR LF.
 QString ConfirmationText(const ImportRecordList& list, const QString& selectionLine);
