@@ -39,7 +39,7 @@ int importCommand(const Options& options, ConsoleFeedback& feedback, std::FILE* 
     const ImportScanOutcome scan = session.scanFile(QFileInfo(options.input).absoluteFilePath());
     if (scan.kind != ImportScanOutcome::Accepted)
         return finishWithStatus(feedback, out, ExitFailure);
-    feedback.note(session.formatText());
+    feedback.note(ConsoleFeedback::blockText(session.formatText()));
     const ImportWriteOutcome written = session.importToDatabase(QFileInfo(options.input).fileName());
     return finishWithStatus(feedback, out, written.succeeded() ? ExitSuccess : ExitFailure);
 }
