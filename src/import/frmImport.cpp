@@ -1,7 +1,6 @@
 #include "import/frmImport.h"
 
 #include "foundation/feedback.h"
-#include "foundation/log.h"
 #include "foundation/settings.h"
 #include "ui/window_support.h"
 
@@ -21,24 +20,6 @@
 #include <exception>
 
 namespace tp {
-
-namespace {
-
-template <typename W>
-W* named(W* widget, const char* name)
-{
-    widget->setObjectName(QString::fromLatin1(name));
-    return widget;
-}
-
-QPushButton* button(const char* name, const QString& caption, QWidget* parent)
-{
-    auto* b = named(new QPushButton(caption, parent), name);
-    b->setAutoDefault(false);
-    return b;
-}
-
-} // namespace
 
 frmImport::frmImport(cDAO& db, QWidget* parent, Feedback* prompts, ui::FileDialog* dialogs)
     : QDialog(parent),
@@ -61,10 +42,7 @@ frmImport::frmImport(cDAO& db, QWidget* parent, Feedback* prompts, ui::FileDialo
     try {
         load();
     } catch (const std::exception& e) {
-        m_feedback->busy(false);
-        m_feedback->message(0, QStringLiteral("Unexpected error occurred"), kBoxTitle);
-        WriteLog(QStringLiteral("Error no. 0: ") + QString::fromLocal8Bit(e.what()) +
-                 QStringLiteral("; From: Tallyport: Module: Main:Form_load: Parameters:  NONE "));
+        ui::reportLoadFailure(*m_feedback, e);
     }
 }
 
@@ -72,13 +50,13 @@ frmImport::~frmImport() = default;
 
 void frmImport::buildControls()
 {
-    lblSelection = named(new QLabel(kImportPrompt, this), "lblSelection");
+    lblSelection = ui::named(new QLabel(kImportPrompt, this), "lblSelection");
     QFont bold = lblSelection->font();
     bold.setBold(true);
     lblSelection->setFont(bold);
     lblSelection->setWordWrap(true);   // the small first window is narrower than the prompt
 
-    lstTables = named(new QListWidget(this), "lstTables");
+    lstTables = ui::named(new QListWidget(this), "lstTables");
     lstTables->setMinimumSize(120, 60);
     lstTables->installEventFilter(this);
     lstTables->viewport()->installEventFilter(this);
@@ -89,7 +67,7 @@ void frmImport::buildControls()
     panel->setContentsMargins(0, 0, 0, 0);
     panel->setSpacing(6);
 
-    fpFields = named(new QTableWidget(m_dataPanel), "fpFields");
+    fpFields = ui::named(new QTableWidget(m_dataPanel), "fpFields");
     fpFields->setSelectionMode(QAbstractItemView::SingleSelection);
     fpFields->setEditTriggers(QAbstractItemView::NoEditTriggers);
     fpFields->verticalHeader()->setDefaultSectionSize(fpFields->fontMetrics().height() + 6);
@@ -106,17 +84,17 @@ void frmImport::buildControls()
         m_fields->setColWidth(c, widths[c - 1]);
     }
 
-    lblFileFormat = named(new QLabel(m_dataPanel), "lblFileFormat");
+    lblFileFormat = ui::named(new QLabel(m_dataPanel), "lblFileFormat");
     lblFileFormat->setFont(bold);
-    txtFormat = named(new QPlainTextEdit(m_dataPanel), "txtFormat");
+    txtFormat = ui::named(new QPlainTextEdit(m_dataPanel), "txtFormat");
     txtFormat->setReadOnly(true);
     txtFormat->setMinimumHeight(txtFormat->fontMetrics().height() * 3);
     lblFileFormat->setBuddy(txtFormat);
 
-    lblPath = named(new QLabel(QStringLiteral("File Path:"), m_dataPanel), "lblPath");
-    lblFileName = named(new QLabel(QStringLiteral("File Name:"), m_dataPanel), "lblFileName");
-    txtPath = named(new QLineEdit(m_dataPanel), "txtPath");
-    txtName = named(new QLineEdit(m_dataPanel), "txtName");
+    lblPath = ui::named(new QLabel(QStringLiteral("File Path:"), m_dataPanel), "lblPath");
+    lblFileName = ui::named(new QLabel(QStringLiteral("File Name:"), m_dataPanel), "lblFileName");
+    txtPath = ui::named(new QLineEdit(m_dataPanel), "txtPath");
+    txtName = ui::named(new QLineEdit(m_dataPanel), "txtName");
     for (QLineEdit* box : {txtPath, txtName}) {
         box->setReadOnly(true);
         box->setFont(bold);
@@ -130,10 +108,10 @@ void frmImport::buildControls()
     file->addWidget(lblFileName);
     file->addWidget(txtName, 2);
 
-    cmdGetFile = button("cmdGetFile", QStringLiteral("&Browse Files for Import"), m_dataPanel);
-    cmdGetDifferentTable = button("cmdGetDifferentTable", QStringLiteral("Change &Data Type"), m_dataPanel);
-    cmdOk = button("cmdOk", QStringLiteral("&OK"), m_dataPanel);
-    cmdImportToDB = button("cmdImportToDB", QStringLiteral("&Import to Database"), m_dataPanel);
+    cmdGetFile = ui::commandButton("cmdGetFile", QStringLiteral("&Browse Files for Import"), m_dataPanel);
+    cmdGetDifferentTable = ui::commandButton("cmdGetDifferentTable", QStringLiteral("Change &Data Type"), m_dataPanel);
+    cmdOk = ui::commandButton("cmdOk", QStringLiteral("&OK"), m_dataPanel);
+    cmdImportToDB = ui::commandButton("cmdImportToDB", QStringLiteral("&Import to Database"), m_dataPanel);
     auto* choose = new QHBoxLayout;
     choose->addWidget(cmdGetFile);
     choose->addWidget(cmdGetDifferentTable);
@@ -147,12 +125,12 @@ void frmImport::buildControls()
     panel->addLayout(file);
     panel->addLayout(choose);
 
-    cmdCancel = button("cmdCancel", kCaptionClose, this);
+    cmdCancel = ui::commandButton("cmdCancel", kCaptionClose, this);
     auto* bottom = new QHBoxLayout;
     bottom->addStretch(1);
     bottom->addWidget(cmdCancel);
 
-    StatBar = named(new QStatusBar(this), "StatBar");
+    StatBar = ui::named(new QStatusBar(this), "StatBar");
     StatBar->setSizeGripEnabled(true);
 
     auto* root = new QVBoxLayout(this);

@@ -15,24 +15,13 @@ namespace tp {
 
 void frmImport::buildDataSetList()
 {
-    lstTables->clear();
-    lstTables->setEnabled(true);
-    const QStringList offered = m_session.offeredDataSets();
-    m_offeredCount = int(offered.size());
-    lstTables->addItems(offered);
-    lstTables->show();
-    if (offered.isEmpty()) {
-        lstTables->setEnabled(false);
-        lstTables->addItem(kImportNoSelection);
-    }
+    m_offeredCount = ui::fillChoiceList(lstTables, m_session.offeredDataSets(), kImportNoSelection);
 }
 
 bool frmImport::chooseDataSet(const QString& listText)
 {
-    const auto items = lstTables->findItems(listText, Qt::MatchExactly);
-    if (items.isEmpty() || !lstTables->isEnabled() || lstTables->isHidden())
+    if (!ui::highlightEntry(lstTables, listText))
         return false;
-    lstTables->setCurrentItem(items.first());
     SelectDataSet();
     return m_session.dataSet() != nullptr;
 }

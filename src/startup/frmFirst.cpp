@@ -115,30 +115,30 @@ bool frmFirst::gate(FunctionMode mode)
     return outcome.allowed;
 }
 
+cDAO* frmFirst::gatedDatabase(FunctionMode mode)
+{
+    if (!gate(mode))
+        return nullptr;
+    cDAO* db = SharedDatabase();
+    if (!db)
+        ShowMessage(1, kCannotOpenDatabase);
+    return db;
+}
+
 void frmFirst::importClicked()
 {
-    if (!gate(FunctionMode::Import))
-        return;
-    cDAO* db = SharedDatabase();
-    if (!db) {
-        ShowMessage(1, kCannotOpenDatabase);
-        return;
+    if (cDAO* db = gatedDatabase(FunctionMode::Import)) {
+        frmImport window(*db, this, prompts, fileDialog);
+        showModal(window);
     }
-    frmImport window(*db, this, prompts, fileDialog);
-    showModal(window);
 }
 
 void frmFirst::exportClicked()
 {
-    if (!gate(FunctionMode::Export))
-        return;
-    cDAO* db = SharedDatabase();
-    if (!db) {
-        ShowMessage(1, kCannotOpenDatabase);
-        return;
+    if (cDAO* db = gatedDatabase(FunctionMode::Export)) {
+        frmExport window(*db, this, prompts, fileDialog);
+        showModal(window);
     }
-    frmExport window(*db, this, prompts, fileDialog);
-    showModal(window);
 }
 
 void frmFirst::aboutClicked()

@@ -15,6 +15,7 @@ class QPushButton;
 namespace tp {
 
 class Feedback;
+class cDAO;
 namespace ui { class FileDialog; }
 
 class frmFirst : public QMainWindow {
@@ -55,6 +56,8 @@ protected:
 
 private:
     bool gate(FunctionMode mode);
+    // The shared database once the gate has passed; null (after any message) otherwise.
+    cDAO* gatedDatabase(FunctionMode mode);
 
     QPushButton* m_cmdImport;
     QPushButton* m_cmdTime;
