@@ -40,33 +40,44 @@ QString specText(int row, const Row& r)
         .join(kSeparator);
 }
 
+// The address rows every data set but the vehicles carries, from Address1 on.
+std::vector<Row> addressRows(bool address1Required, const char* format, const char* cityFormat)
+{
+    return {{"Address1", address1Required, "Text", "30", format},
+            {"Address2", false, "Text", "30", format},
+            {"City", false, "Text", "20", cityFormat},
+            {"State", false, "Text", "2", kState},
+            {"ZipCode", false, "Text", "10", kZip}};
+}
+
+std::vector<Row> operator+(std::vector<Row> rows, const std::vector<Row>& more)
+{
+    rows.insert(rows.end(), more.begin(), more.end());
+    return rows;
+}
+
+const std::vector<Row> kCoordinates = {{"Longitude", false, "Number", "Decimal", "-180 to +180."},
+                                       {"Latitude", false, "Number", "Decimal", "-90 to +90."}};
+const std::vector<Row> kPhones = {{"MobilePhone", false, "Text", "14", kPhone},
+                                  {"WorkPhone", false, "Text", "14", kPhone},
+                                  {"HomePhone", false, "Text", "14", kPhone}};
+
 std::vector<Row> rowsOf(ImportDataType type, bool branch)
 {
-    const Row branchRow{"BranchNumber", true, "Number", "9", kBranch};
-    std::vector<Row> rows;
     switch (type) {
     case ImportDataType::MapLocations:
-        rows = {{"LocationName", true, "Text", "30", kChars},
-                {"BranchNumber", branch, "Number", "9", kBranch},
-                {"Address1", true, "Text", "30", kChars},
-                {"Address2", false, "Text", "30", kChars},
-                {"City", false, "Text", "20", kChars},
-                {"State", false, "Text", "2", kState},
-                {"ZipCode", false, "Text", "10", kZip},
-                {"Longitude", false, "Number", "Decimal", "-180 to +180."},
-                {"Latitude", false, "Number", "Decimal", "-90 to +90."}};
-        return rows;
+        // The branch row stays even without branches, then optional.
+        return std::vector<Row>{{"LocationName", true, "Text", "30", kChars},
+                                {"BranchNumber", branch, "Number", "9", kBranch}} +
+               addressRows(true, kChars, kChars) + kCoordinates;
     case ImportDataType::Pinpoints:
-        rows = {{"PinpointName", true, "Text", "20", kCharsSpaces},
-                {"Address1", false, "Text", "30", kCharsSpaces},
-                {"Address2", false, "Text", "30", kCharsSpaces},
-                {"City", false, "Text", "20", kCharsSpaces},
-                {"State", false, "Text", "2", kState},
-                {"ZipCode", false, "Text", "10", kZip},
-                {"Longitude", false, "Number", "Decimal", "-180 to +180."},
-                {"Latitude", false, "Number", "Decimal", "-90 to +90."}};
-        return rows;
-    case ImportDataType::Vehicles:
+        return std::vector<Row>{{"PinpointName", true, "Text", "20", kCharsSpaces}} +
+               addressRows(false, kCharsSpaces, kCharsSpaces) + kCoordinates;
+    default:
+        break;
+    }
+    std::vector<Row> rows;
+    if (type == ImportDataType::Vehicles) {
         rows = {{"VehicleNumber", true, "Number", "9", kUnique},
                 {"LicenseNumber", true, "Text", "10", kAlnum},
                 {"GroupID", true, "Text", "9", "Number of Existing Group."},
@@ -75,41 +86,24 @@ std::vector<Row> rowsOf(ImportDataType type, bool branch)
                 {"Make", false, "Text", "20", kAlnum},
                 {"Model", false, "Text", "20", kAlnum},
                 {"TrackerSerialNumber", false, "Text", "9", "Number of Existing Tracker Serial Number."}};
-        break;
-    case ImportDataType::Employees:
-        rows = {{"EmployeeNumber", true, "Number", "9", kUnique},
-                {"LastName", true, "Text", "30", kAlnum},
-                {"MI", false, "Text", "1", kInitial},
-                {"FirstName", true, "Text", "20", kAlnum},
-                {"AccountingID", false, "Text", "20", kAlnum},
-                {"Address1", false, "Text", "30", kChars},
-                {"Address2", false, "Text", "30", kChars},
-                {"City", false, "Text", "20", "Alphas,Numbers & Spaces."},
-                {"State", false, "Text", "2", kState},
-                {"ZipCode", false, "Text", "10", kZip},
-                {"MobilePhone", false, "Text", "14", kPhone},
-                {"WorkPhone", false, "Text", "14", kPhone},
-                {"HomePhone", false, "Text", "14", kPhone}};
-        break;
-    case ImportDataType::Customers:
-        rows = {{"CustomerNumber", true, "Number", "9", kUnique},
-                {"CompanyName", true, "Text", "30", kAlnum},
-                {"LastName", true, "Text", "30", kAlnum},
-                {"MI", false, "Text", "1", kInitial},
-                {"FirstName", true, "Text", "20", kAlnum},
-                {"Accounting ID", false, "Text", "20", kAlnum},
-                {"Address1", false, "Text", "30", kChars},
-                {"Address2", false, "Text", "30", kChars},
-                {"City", false, "Text", "20", kChars},
-                {"State", false, "Text", "2", kState},
-                {"ZipCode", false, "Text", "10", kZip},
-                {"MobilePhone", false, "Text", "14", kPhone},
-                {"WorkPhone", false, "Text", "14", kPhone},
-                {"HomePhone", false, "Text", "14", kPhone}};
-        break;
+    } else if (type == ImportDataType::Employees) {
+        rows = std::vector<Row>{{"EmployeeNumber", true, "Number", "9", kUnique},
+                                {"LastName", true, "Text", "30", kAlnum},
+                                {"MI", false, "Text", "1", kInitial},
+                                {"FirstName", true, "Text", "20", kAlnum},
+                                {"AccountingID", false, "Text", "20", kAlnum}} +
+               addressRows(false, kChars, "Alphas,Numbers & Spaces.") + kPhones;
+    } else {
+        rows = std::vector<Row>{{"CustomerNumber", true, "Number", "9", kUnique},
+                                {"CompanyName", true, "Text", "30", kAlnum},
+                                {"LastName", true, "Text", "30", kAlnum},
+                                {"MI", false, "Text", "1", kInitial},
+                                {"FirstName", true, "Text", "20", kAlnum},
+                                {"Accounting ID", false, "Text", "20", kAlnum}} +
+               addressRows(false, kChars, kChars) + kPhones;
     }
     if (branch)
-        rows.push_back(branchRow);
+        rows.push_back({"BranchNumber", true, "Number", "9", kBranch});
     return rows;
 }
 

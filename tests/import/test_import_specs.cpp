@@ -53,6 +53,8 @@ TEST(ImportSpecs, RowCountsAndRequiredFieldsFollowTheDataSetAndWhetherABranchExi
     }
     EXPECT_EQ(names(ImportSpecRows(ImportDataType::MapLocations, false), false),
               QStringLiteral("LocationName,BranchNumber,Address1,Address2,City,State,ZipCode,Longitude,Latitude"));
+    EXPECT_EQ(names(ImportSpecRows(ImportDataType::Pinpoints, true), false),
+              QStringLiteral("PinpointName,Address1,Address2,City,State,ZipCode,Longitude,Latitude"));
     EXPECT_EQ(names(ImportSpecRows(ImportDataType::Customers, true), false),
               QStringLiteral("CustomerNumber,CompanyName,LastName,MI,FirstName,Accounting ID,Address1,Address2,"
                              "City,State,ZipCode,MobilePhone,WorkPhone,HomePhone,BranchNumber"));
@@ -77,7 +79,9 @@ TEST(ImportSpecs, TextsCarryTheOperatorsWordingAsItStands)
         {ImportDataType::MapLocations, false, 2, "5::2::F::0::BranchNumber::Number::9::Number of Existing Branch."},
         {ImportDataType::MapLocations, false, 8, "5::8::F::0::Longitude::Number::Decimal::-180 to +180."},
         {ImportDataType::Pinpoints, false, 1, "5::1::T::1::PinpointName::Text::20::Characters & Spaces."},
+        {ImportDataType::Pinpoints, false, 4, "5::4::F::0::City::Text::20::Characters & Spaces."},
         {ImportDataType::Pinpoints, false, 6, "5::6::F::0::ZipCode::Text::10::#####- or #####-####"},
+        {ImportDataType::MapLocations, false, 3, "5::3::T::1::Address1::Text::30::Characters."},
         {ImportDataType::Vehicles, true, 5, "5::5::F::0::Year::Number::4::#### ex.: 2001."},
         {ImportDataType::Vehicles, true, 8,
          "5::8::F::0::TrackerSerialNumber::Text::9::Number of Existing Tracker Serial Number."},
