@@ -3,27 +3,17 @@
 #include "import/frmImport.h"
 
 #include "foundation/feedback.h"
+#include "ui/window_support.h"
 
 #include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QMessageBox>
-#include <QPixmap>
 #include <QTemporaryDir>
 
 namespace tp {
 
 namespace {
-
-bool save(QWidget* window, const QString& path, QStringList& written)
-{
-    window->show();
-    QApplication::processEvents();
-    if (!window->grab().save(path, "PNG"))
-        return false;
-    written << path;
-    return true;
-}
 
 QString writeFile(const QDir& dir, const char* name, const QByteArray& bytes)
 {
@@ -57,7 +47,7 @@ QStringList frmImport::saveScreenshots(cDAO& db, QWidget* parent, const QString&
     ScriptedFeedback prompts;
     ui::ScriptedFileDialog dialogs;
     frmImport window(db, parent, &prompts, &dialogs);
-    save(&window, dir.filePath(QStringLiteral("import-window-list.png")), written);
+    ui::savePicture(&window, dir.filePath(QStringLiteral("import-window-list.png")), written);
     if (good.isEmpty() || bad.isEmpty() || !window.chooseDataSet(kImportListMapLocations))
         return written;
     window.clickFieldBox(5, true);   // City
@@ -65,21 +55,21 @@ QStringList frmImport::saveScreenshots(cDAO& db, QWidget* parent, const QString&
     window.resize(window.width(), window.height() * 3 / 2);
     dialogs.names = {bad};
     window.GetFile();
-    save(&window, dir.filePath(QStringLiteral("import-window.png")), written);
+    ui::savePicture(&window, dir.filePath(QStringLiteral("import-window.png")), written);
 
     window.ScanFile();
     if (!prompts.messages().isEmpty()) {
         QMessageBox box(QMessageBox::Information, kBoxTitle,
                         ui::QtFeedback::displayText(prompts.messages().constLast()), QMessageBox::Ok,
                         &window);
-        save(&box, dir.filePath(QStringLiteral("import-window-fault.png")), written);
+        ui::savePicture(&box, dir.filePath(QStringLiteral("import-window-fault.png")), written);
         box.close();
     }
 
     dialogs.names = {good};
     window.GetFile();
     window.ScanFile();
-    save(&window, dir.filePath(QStringLiteral("import-window-sample.png")), written);
+    ui::savePicture(&window, dir.filePath(QStringLiteral("import-window-sample.png")), written);
     window.CancelClose();
     window.close();
     return written;

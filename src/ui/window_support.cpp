@@ -3,7 +3,9 @@
 #include "foundation/feedback.h"
 #include "foundation/log.h"
 
+#include <QApplication>
 #include <QGuiApplication>
+#include <QPixmap>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPalette>
@@ -122,6 +124,16 @@ bool highlightEntry(QListWidget* list, const QString& text)
     if (items.isEmpty() || !list->isEnabled() || list->isHidden())
         return false;
     list->setCurrentItem(items.first());
+    return true;
+}
+
+bool savePicture(QWidget* window, const QString& path, QStringList& written)
+{
+    window->show();
+    QApplication::processEvents();
+    if (!window->grab().save(path, "PNG"))
+        return false;
+    written << path;
     return true;
 }
 

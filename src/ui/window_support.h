@@ -3,6 +3,7 @@
 // the platform colours the windows name.
 #include <QColor>
 #include <QIcon>
+#include <QStringList>
 #include <exception>
 
 class QLineEdit;
@@ -53,6 +54,10 @@ QPushButton* commandButton(const char* name, const QString& caption, QWidget* pa
 int fillChoiceList(QListWidget* list, const QStringList& offered, const QString& emptyText);
 // Highlights the entry with this text in an enabled, shown list; false when there is none.
 bool highlightEntry(QListWidget* list, const QString& text);
+
+// Screenshot mode: shows the window, saves a PNG picture of it at path and adds the path to
+// written; false when the picture could not be saved.
+bool savePicture(QWidget* window, const QString& path, QStringList& written);
 
 // A window's load handler failed unexpectedly: the user is told, the log gets the report.
 void reportLoadFailure(Feedback& feedback, const std::exception& e);
