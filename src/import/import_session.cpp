@@ -127,7 +127,9 @@ ImportScanOutcome ImportSession::scanFile(const QString& fileName)
     ImportLookups lookups;
     lookups.load(m_db);
     const bool krv = IsKrvSettings();
+    const std::vector<int> tickedFields = TickedFields(*m_type, m_rows);
     int shownPercent = -1;
+    QStringList values;
 
     DelimitedLineReader reader;
     reader.setFileName(fileName);
@@ -145,23 +147,24 @@ ImportScanOutcome ImportSession::scanFile(const QString& fileName)
                 return stopWith(r);
             s.result = ScanHeadingOnly;
         } else {
-            bool blank = true;
-            for (int i = 1; i <= fields && blank; ++i)
-                blank = TrimBlanks(line.fieldText(i)).isEmpty();
+            const bool blank = line.blankLine();
             if (blank) {
                 s.foundValue = kEmptyRow;
                 return stopWith(ScanTooFewFields);
             }
             if (s.headingCount != fields)
                 return stopWith(s.headingCount > fields ? ScanTooFewFields : ScanTooManyFields);
+            values.clear();
+            for (int i = 1; i <= fields; ++i)
+                values << line.fieldText(i);
             const qint32 record = s.recordNumber;
             m_list.grow(record);
             for (int i = 1; i <= fields; ++i) {
-                const qint16 r = ScanFieldValue(m_list, record, line.fieldText(i), lookups, krv, s);
+                const qint16 r = ScanFieldValue(m_list, record, values[i - 1], lookups, krv, s);
                 if (r != ScanOk)
                     return stopWith(r);
             }
-            const qint16 done = CompleteRecord(m_list, m_rows);
+            const qint16 done = CompleteRecord(m_list, tickedFields);
             if (done == ScanTooFewFields || done == ScanTooManyFields) {
                 m_feedback.message(0, kFieldNameNotFound, kBoxTitle);
                 return stopWith(done);

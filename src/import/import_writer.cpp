@@ -320,7 +320,8 @@ ImportWriteResult WriteImportedRecords(cDAO& db, Feedback& fb, ImportRecordList&
         return out;
 
     const QString table = tableInfo(list.table).table;
-    RecordsetPtr rs = db.RecSet_Dyn(QStringLiteral("Select top 1 * from ") + table);
+    const QString select = QStringLiteral("Select top 1 * from ") + table;
+    RecordsetPtr rs = db.RecSet_Dyn(select);
     if (!rs) {
         fb.message(1, QStringLiteral("Cannot open ") + table + QStringLiteral(": ") + db.errorText, kBoxTitle);
         return out;
@@ -376,8 +377,18 @@ ImportWriteResult WriteImportedRecords(cDAO& db, Feedback& fb, ImportRecordList&
         }
         if (!inGroup)
             out.written = i;
-        else if (open.elapsed() >= kImportGroupMs)
+        else if (open.elapsed() >= kImportGroupMs) {
             commit(i);
+            // The dynaset keeps every row added to it; a fresh one per group keeps memory flat.
+            db.RS_Close(rs);
+            rs = db.RecSet_Dyn(select);
+            if (!rs) {
+                fb.message(1, QStringLiteral("Cannot open ") + table + QStringLiteral(": ") + db.errorText +
+                                  doneLine(i + 1),
+                           kBoxTitle);
+                return out;
+            }
+        }
     }
     commit(n);
     db.RS_Close(rs);

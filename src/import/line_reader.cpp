@@ -61,6 +61,7 @@ void DelimitedLineReader::beginLine()
     m_fieldBytes = 0;
     m_fields = 0;
     m_lineHasBytes = false;
+    m_blank = true;
     m_pendingCr = false;
     m_utf8 = true;
 }
@@ -82,6 +83,8 @@ void DelimitedLineReader::addByte(char c)
         return;
     }
     ++m_fieldBytes;
+    if (c != ' ')
+        m_blank = false;
     if (m_fieldBytes <= kMaxFieldBytes && m_bytes.size() < kMaxLineBytes && m_ends.size() < size_t(kMaxFields))
         m_bytes.append(c);
 }
@@ -152,8 +155,9 @@ QString DelimitedLineReader::fieldText(int i) const
         return QString();
     const qsizetype from = i == 1 ? 0 : m_ends[size_t(i - 2)];
     const qsizetype to = m_ends[size_t(i - 1)];
-    const QByteArray bytes = m_bytes.mid(from, to - from);
-    return m_utf8 ? QString::fromUtf8(bytes) : decode1252(bytes);
+    if (m_utf8)
+        return QString::fromUtf8(m_bytes.constData() + from, to - from);
+    return decode1252(m_bytes.mid(from, to - from));
 }
 
 int DelimitedLineReader::percentDone() const

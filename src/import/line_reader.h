@@ -38,6 +38,8 @@ public:
     // Field i of the current line, counted from 1; empty outside 1..fieldCount(). Bytes
     // that are valid UTF-8 are read as such, any other line as Windows-1252.
     QString fieldText(int i) const;
+    // No byte of the line other than blanks and separators (an empty line included).
+    bool blankLine() const { return m_blank; }
     // Share of the file read so far, 0 to 100.
     int percentDone() const;
 
@@ -64,6 +66,7 @@ private:
     qint64 m_fields = 0;          // fields ended so far on this line
     bool m_pendingCr = false;     // a carriage return waiting to see whether a line feed follows
     bool m_lineHasBytes = false;
+    bool m_blank = true;
     bool m_utf8 = true;
 };
 

@@ -14,7 +14,7 @@ struct FieldRule {
     const char* heading;     // the grid name whose marker the rule takes
     int field;
     Check check;
-    const char* name;        // the name the check reports (F) and the required list is asked for
+    QString name;            // the name the check reports (F) and the required list is asked for
     int max = 0;
     qint16 code = 0;
     Then then = Then::Nothing;
@@ -110,7 +110,7 @@ const Rules& rulesOf(ImportDataType type)
 qint16 runCheck(const FieldRule& rule, QString& value, double& number, const ImportLookups& lookups, bool krv,
                 ScanState& s)
 {
-    const QString name = QLatin1String(rule.name);
+    const QString& name = rule.name;
     qint16 r = ScanOk;
     switch (rule.check) {
     case Check::Characters: r = check::Characters(value, name, rule.max, s); break;
@@ -269,7 +269,7 @@ qint16 ScanFieldValue(ImportRecordList& list, qint32 record, const QString& valu
         if (whole)
             number = *whole;
         else {
-            s.fieldText = QLatin1String(rule->name);
+            s.fieldText = rule->name;
             s.foundValue = value;
             result = ScanNotInteger;
         }
@@ -279,7 +279,7 @@ qint16 ScanFieldValue(ImportRecordList& list, qint32 record, const QString& valu
 
     ImportCell& cell = list.cell(record, rule->field);
     if (result != ScanOk) {
-        if (list.isRequired(QLatin1String(rule->name)))
+        if (list.isRequired(rule->name))
             return result;
         cell.text.clear();
         cell.number = 0;
@@ -292,19 +292,22 @@ qint16 ScanFieldValue(ImportRecordList& list, qint32 record, const QString& valu
     return ScanOk;
 }
 
-qint16 CompleteRecord(ImportRecordList& list, const std::vector<FieldSpec>& rows)
+std::vector<int> TickedFields(ImportDataType type, const std::vector<FieldSpec>& rows)
 {
-    bool any = false;
+    std::vector<int> fields;
     for (const FieldSpec& spec : rows) {
-        if (!spec.ticked)
-            continue;
-        const int field = RecordFieldFor(list.type, spec.name);
-        if (field < 0)
-            continue;
-        list.present[size_t(field)] = true;
-        any = true;
+        const int field = spec.ticked ? RecordFieldFor(type, spec.name) : -1;
+        if (field >= 0)
+            fields.push_back(field);
     }
-    return any ? ScanOk : ScanTooManyFields;
+    return fields;
+}
+
+qint16 CompleteRecord(ImportRecordList& list, const std::vector<int>& tickedFields)
+{
+    for (const int field : tickedFields)
+        list.present[size_t(field)] = true;
+    return tickedFields.empty() ? qint16(ScanTooManyFields) : qint16(ScanOk);
 }
 
 } // namespace tp

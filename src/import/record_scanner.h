@@ -25,8 +25,11 @@ qint16 CheckHeadingLine(int fieldCount, const std::function<QString(int)>& headi
 qint16 ScanFieldValue(ImportRecordList& list, qint32 record, const QString& value,
                       const ImportLookups& lookups, bool krvSettings, ScanState& s);
 
-// After the last value of a line: the markers of the ticked rows are set again. 4 when no
-// ticked row names a field of the data set.
-qint16 CompleteRecord(ImportRecordList& list, const std::vector<FieldSpec>& rows);
+// The layout fields of the ticked rows, in grid order (asked once per scan).
+std::vector<int> TickedFields(ImportDataType type, const std::vector<FieldSpec>& rows);
+
+// After the last value of a line: the markers of the ticked rows' fields are set again. 4
+// when no ticked row names a field of the data set.
+qint16 CompleteRecord(ImportRecordList& list, const std::vector<int>& tickedFields);
 
 } // namespace tp

@@ -96,30 +96,33 @@ bool isQuoted(QString& value)
     return quote(value.front()) || quote(value.back());
 }
 
+// The found values are built only on a failure: which text V holds depends on the step that
+// failed, and building it for every passing value would cost more than the check.
 qint16 Characters(QString& value, const QString& name, int max, ScanState& s)
 {
     s.fieldText = name;
     s.lengthLimit = qint16(max);
-    s.foundValue = value + QStringLiteral(" Blank Field");
-    if (TrimBlanks(value).isEmpty())
+    if (TrimBlanks(value).isEmpty()) {
+        s.foundValue = value + QStringLiteral(" Blank Field");
         return ScanBlank;
-    s.foundValue = value + QStringLiteral(" Invalid length");
+    }
+    const QString original = value;
     if (isQuoted(value)) {
         s.foundValue = value;
         return ScanQuoted;
     }
-    if (value.size() > max)
+    if (value.size() > max) {
+        s.foundValue = original + QStringLiteral(" Invalid length");
         return ScanCharacters;
-    s.foundValue = value + QStringLiteral(" Unacceptable symbols");
+    }
     for (const QChar c : value) {
-        if (c > QLatin1Char('z'))
+        const bool bad = c > QLatin1Char('z') || (c < QLatin1Char('a') && c > QLatin1Char('Z')) ||
+                         (c < QLatin1Char('A') && c > QLatin1Char('9')) ||
+                         (c < QLatin1Char('0') && !allowedPunctuation(c));
+        if (bad) {
+            s.foundValue = value + QStringLiteral(" Unacceptable symbols");
             return ScanCharacters;
-        if (c < QLatin1Char('a') && c > QLatin1Char('Z'))
-            return ScanCharacters;
-        if (c < QLatin1Char('A') && c > QLatin1Char('9'))
-            return ScanCharacters;
-        if (c < QLatin1Char('0') && !allowedPunctuation(c))
-            return ScanCharacters;
+        }
     }
     return ScanOk;
 }
@@ -134,16 +137,18 @@ qint16 Alphanumeric(QString& value, const QString& name, int max, ScanState& s)
         s.foundValue = value;
         return ScanQuoted;
     }
-    s.foundValue = value + QStringLiteral(" - Invalid Length");
-    if (value.size() > max)
+    if (value.size() > max) {
+        s.foundValue = value + QStringLiteral(" - Invalid Length");
         return ScanAlphanumeric;
-    s.foundValue = value + QStringLiteral(" - Non AlphaNumeric symbols");
+    }
     for (const QChar c : value) {
         const bool ok = (c >= QLatin1Char('A') && c <= QLatin1Char('Z')) ||
                         (c >= QLatin1Char('a') && c <= QLatin1Char('z')) || isDigit(c) ||
                         c == QLatin1Char(' ');
-        if (!ok)
+        if (!ok) {
+            s.foundValue = value + QStringLiteral(" - Non AlphaNumeric symbols");
             return ScanAlphanumeric;
+        }
     }
     return ScanOk;
 }
@@ -232,15 +237,18 @@ QString padOrCut(const QString& value, int width)
 
 bool ZipCode(QString& value, ScanState& s)
 {
-    s.fieldText = QStringLiteral("ZipCode");
-    s.foundValue = value + kZipFormats;
     if (value == kBlankZip)
         return true;
+    const auto fail = [&s, &value] {
+        s.fieldText = QStringLiteral("ZipCode");
+        s.foundValue = value + kZipFormats;
+        return false;
+    };
     const QString v = padOrCut(value, 10);
     const QString first = v.left(5);
     const QString firstTrimmed = TrimBlanks(first);
     if (firstTrimmed.size() != 5 || !isNumeric(firstTrimmed))
-        return false;
+        return fail();
     const QString last = v.right(4);
     if (TrimBlanks(last).isEmpty()) {
         value = first + QStringLiteral("-    ");
@@ -251,7 +259,7 @@ bool ZipCode(QString& value, ScanState& s)
         value = first + QLatin1Char('-') + last;
         return true;
     }
-    return false;
+    return fail();
 }
 
 bool PhoneNumber(QString& value)
