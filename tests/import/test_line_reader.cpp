@@ -1,5 +1,6 @@
 // The delimited-line reader on good and bad files: line ends, empty and binary files, NUL
 // bytes, text that is not UTF-8, a very long line, and stopping.
+#include "import/import_fuzz.h"
 #include "import/line_reader.h"
 #include "support/foundation_fixture.h"
 
@@ -109,6 +110,22 @@ TEST_F(LineReader, AFileThatCannotBeOpenedIsRefused)
     reader.setFileName(dir.path());
     EXPECT_FALSE(reader.start([&](DelimitedLineReader&) { ++lines; }));
     EXPECT_EQ(lines, 0);
+}
+
+// The fuzzing entry runs every stage without a database: NUL bytes, more values than fields,
+// a refused heading line, numbers no 32-bit field holds, a line wider than the reader keeps.
+TEST(ImportFuzzEntry, SurvivesHostileFiles)
+{
+    const QByteArray inputs[] = {
+        "",
+        QByteArray("\0\0\0", 3),
+        "LocationName,BranchNumber,Address1\nA,1,B,C,D,E,F,G,H,I,J,K\n",
+        "x,y\n1,2\n,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,\n",
+        "VehicleNumber,LicenseNumber,GroupID,VINNumber,Year\n1e999,\",'\",1,,99\n-0,\r\r,0x1,,2039\n",
+        QByteArray(70000, ',') + "\n" + QByteArray(5000, 'A'),
+    };
+    for (const QByteArray& in : inputs)
+        EXPECT_EQ(FuzzImportFile(reinterpret_cast<const std::uint8_t*>(in.constData()), std::size_t(in.size())), 0);
 }
 
 } // namespace
