@@ -158,5 +158,37 @@ TYPED_TEST(ImportScan, RequiredListFollowsTheRowAfterTheLastMatch)
     EXPECT_EQ(this->scan("EmployeeNumber,LastName,FirstName,BranchNumber\n12,,Ann,1\n").result, 99);
 }
 
+// Whatever the bytes, a scan ends in a report or in records to import.
+TYPED_TEST(ImportScan, BadFilesEndInAReportOrImport)
+{
+    QByteArray longLine = "PinpointName\n" + QByteArray(50 * 1024 * 1024, 'x') + "\n";
+    const struct {
+        const char* what;
+        QByteArray bytes;
+        qint16 result;   // 0: accepted
+        qint32 records;
+    } cases[] = {
+        {"empty", "", 1, 0},
+        {"binary", QByteArray("\x7f" "ELF\x02\x01\x01\0\0\0\n\xff\xfe,\x01", 16), 16, 0},
+        {"NUL in a value", QByteArray("PinpointName\nGate\0 4\n", 22), 24, 0},
+        {"invalid UTF-8", "PinpointName\nGate \xc3\x28\n", 24, 0},
+        {"Windows-1252 text", "PinpointName\nCaf\xe9 Lot\n", 24, 0},
+        {"UTF-8 text", "PinpointName\nCaf\xc3\xa9 Lot\n", 24, 0},
+        {"CRLF", "PinpointName\r\nGate 4\r\nGate 5\r\n", 0, 2},
+        {"LF, no final line end", "PinpointName\nGate 4\nGate 5", 0, 2},
+        {"a 50 MB line", longLine, 24, 0},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        this->feedback.shown.clear();
+        this->choose(ImportDataType::Pinpoints);
+        const ImportScanOutcome out = this->scan(c.bytes);
+        EXPECT_EQ(out.result, c.result) << out.report.toStdString();
+        EXPECT_EQ(out.kind, c.result ? ImportScanOutcome::Fault : ImportScanOutcome::Accepted);
+        EXPECT_EQ(this->feedback.messages().size(), c.result ? 1 : 0);
+        EXPECT_EQ(this->session.lastRecordNumber(), c.records);
+    }
+}
+
 } // namespace
 } // namespace tp::test

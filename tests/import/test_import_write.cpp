@@ -181,6 +181,29 @@ TYPED_TEST(ImportWrite, HostileTextIsStoredAsItStands)
     EXPECT_EQ(this->count("EmployeeInfo"), 3);
 }
 
+// A row the database refuses (here a trigger) stops the import there, the rows before it
+// written; on PostgreSQL the failed row spoils the open commit group, which is written again.
+TYPED_TEST(ImportWrite, ARowTheDatabaseRefusesStopsTheImportThere)
+{
+    if (TypeParam::kPostgres) {
+        this->db.Exec("CREATE FUNCTION refuse_boom() RETURNS trigger AS $$ BEGIN IF NEW.lastname = 'Boom' THEN "
+                      "RAISE EXCEPTION 'boom'; END IF; RETURN NEW; END $$ LANGUAGE plpgsql");
+        this->db.Exec("CREATE TRIGGER boom BEFORE INSERT ON employeeinfo FOR EACH ROW EXECUTE FUNCTION refuse_boom()");
+    } else {
+        this->db.Exec("CREATE TRIGGER boom BEFORE INSERT ON EmployeeInfo WHEN NEW.LastName = 'Boom' "
+                      "BEGIN SELECT RAISE(ABORT, 'boom'); END");
+    }
+    ASSERT_EQ(this->db.appError, 0) << this->db.errorText.toStdString();
+    this->choose(ImportDataType::Employees);
+    const ImportWriteOutcome out = this->scanAndWrite(kEmployees + "80,Lee,Ann,1\n81,Kim,Bo,1\n82,Boom,Cy,1\n83,Ray,Di,1\n");
+    EXPECT_EQ(out.result, -1);
+    EXPECT_EQ(out.written, 2);
+    ASSERT_EQ(this->feedback.messages().size(), 1);
+    EXPECT_TRUE(this->feedback.messages()[0].startsWith("Record # 3 could not be saved: "));
+    EXPECT_TRUE(this->feedback.messages()[0].endsWith("\r\n2 record(s) processed successfully."));
+    EXPECT_EQ(this->rows("SELECT EmployeeNumber FROM EmployeeInfo WHERE EmployeeNumber >= 80 ORDER BY 1"), "80\n81");
+}
+
 TYPED_TEST(ImportWrite, NothingScannedIsAnError)
 {
     this->choose(ImportDataType::Pinpoints);
