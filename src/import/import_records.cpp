@@ -3,11 +3,18 @@
 #include "foundation/conversions.h"
 
 #include <QLocale>
-#include <array>
 
 namespace tp {
 
 namespace {
+
+// One of four things by table, in the order of RecordTable.
+template <class T>
+const T& pick(RecordTable table, const T& customers, const T& employees, const T& vehicles, const T& locations)
+{
+    const T* all[] = {&customers, &employees, &vehicles, &locations};
+    return *all[int(table)];
+}
 
 constexpr CellKind T = CellKind::Text;
 constexpr CellKind N = CellKind::Number;
@@ -26,13 +33,7 @@ const std::vector<int>& sampleOrder(RecordTable table)
                                               VeMake, VeModel, VeAccountingID, VeTrackerSerialNumber, VeGroupID};
     static const std::vector<int> locations = {LoBranchNumber, LoName, LoAddress1, LoAddress2, LoCity,
                                                LoState, LoZipCode, LoLongitude, LoLatitude};
-    switch (table) {
-    case RecordTable::Customers: return customers;
-    case RecordTable::Employees: return employees;
-    case RecordTable::Vehicles: return vehicles;
-    case RecordTable::Locations: break;
-    }
-    return locations;
+    return pick(table, customers, employees, vehicles, locations);
 }
 
 } // namespace
@@ -65,13 +66,7 @@ const std::vector<RecordFieldInfo>& RecordLayout(RecordTable table)
     static const std::vector<RecordFieldInfo> locations = {
         {"", N}, {"BranchNumber", N}, {"LocationName", T}, {"Address1", T}, {"Address2", T}, {"City", T},
         {"State", T}, {"ZipCode", T}, {"Longitude", D}, {"Latitude", D}};
-    switch (table) {
-    case RecordTable::Customers: return customers;
-    case RecordTable::Employees: return employees;
-    case RecordTable::Vehicles: return vehicles;
-    case RecordTable::Locations: break;
-    }
-    return locations;
+    return pick(table, customers, employees, vehicles, locations);
 }
 
 void ImportRecordList::reset(ImportDataType dataType)

@@ -96,14 +96,40 @@ bool isQuoted(QString& value)
     return quote(value.front()) || quote(value.back());
 }
 
+namespace {
+
+// What the Characters and Alphanumeric checks differ in: the code of a long or odd value,
+// the characters allowed, and the texts the found value gets.
+struct TextCheck {
+    qint16 code;
+    bool (*allowed)(QChar);
+    const char* blank;      // appended on a blank value; nullptr: V is left as it was
+    const char* tooLong;
+    bool longQuotesOriginal;   // V of a long value is the value before trimming
+    const char* badSymbol;
+};
+
+bool characterAllowed(QChar c)
+{
+    return !(c > QLatin1Char('z') || (c < QLatin1Char('a') && c > QLatin1Char('Z')) ||
+             (c < QLatin1Char('A') && c > QLatin1Char('9')) || (c < QLatin1Char('0') && !allowedPunctuation(c)));
+}
+
+bool alphanumericAllowed(QChar c)
+{
+    return (c >= QLatin1Char('A') && c <= QLatin1Char('Z')) || (c >= QLatin1Char('a') && c <= QLatin1Char('z')) ||
+           isDigit(c) || c == QLatin1Char(' ');
+}
+
 // The found values are built only on a failure: which text V holds depends on the step that
 // failed, and building it for every passing value would cost more than the check.
-qint16 Characters(QString& value, const QString& name, int max, ScanState& s)
+qint16 textCheck(const TextCheck& rule, QString& value, const QString& name, int max, ScanState& s)
 {
     s.fieldText = name;
     s.lengthLimit = qint16(max);
     if (TrimBlanks(value).isEmpty()) {
-        s.foundValue = value + QStringLiteral(" Blank Field");
+        if (rule.blank)
+            s.foundValue = value + QLatin1String(rule.blank);
         return ScanBlank;
     }
     const QString original = value;
@@ -112,45 +138,31 @@ qint16 Characters(QString& value, const QString& name, int max, ScanState& s)
         return ScanQuoted;
     }
     if (value.size() > max) {
-        s.foundValue = original + QStringLiteral(" Invalid length");
-        return ScanCharacters;
+        s.foundValue = (rule.longQuotesOriginal ? original : value) + QLatin1String(rule.tooLong);
+        return rule.code;
     }
-    for (const QChar c : value) {
-        const bool bad = c > QLatin1Char('z') || (c < QLatin1Char('a') && c > QLatin1Char('Z')) ||
-                         (c < QLatin1Char('A') && c > QLatin1Char('9')) ||
-                         (c < QLatin1Char('0') && !allowedPunctuation(c));
-        if (bad) {
-            s.foundValue = value + QStringLiteral(" Unacceptable symbols");
-            return ScanCharacters;
+    for (const QChar c : value)
+        if (!rule.allowed(c)) {
+            s.foundValue = value + QLatin1String(rule.badSymbol);
+            return rule.code;
         }
-    }
     return ScanOk;
+}
+
+} // namespace
+
+qint16 Characters(QString& value, const QString& name, int max, ScanState& s)
+{
+    static const TextCheck rule{ScanCharacters, characterAllowed, " Blank Field", " Invalid length", true,
+                                " Unacceptable symbols"};
+    return textCheck(rule, value, name, max, s);
 }
 
 qint16 Alphanumeric(QString& value, const QString& name, int max, ScanState& s)
 {
-    s.fieldText = name;
-    s.lengthLimit = qint16(max);
-    if (TrimBlanks(value).isEmpty())
-        return ScanBlank;
-    if (isQuoted(value)) {
-        s.foundValue = value;
-        return ScanQuoted;
-    }
-    if (value.size() > max) {
-        s.foundValue = value + QStringLiteral(" - Invalid Length");
-        return ScanAlphanumeric;
-    }
-    for (const QChar c : value) {
-        const bool ok = (c >= QLatin1Char('A') && c <= QLatin1Char('Z')) ||
-                        (c >= QLatin1Char('a') && c <= QLatin1Char('z')) || isDigit(c) ||
-                        c == QLatin1Char(' ');
-        if (!ok) {
-            s.foundValue = value + QStringLiteral(" - Non AlphaNumeric symbols");
-            return ScanAlphanumeric;
-        }
-    }
-    return ScanOk;
+    static const TextCheck rule{ScanAlphanumeric, alphanumericAllowed, nullptr, " - Invalid Length", false,
+                                " - Non AlphaNumeric symbols"};
+    return textCheck(rule, value, name, max, s);
 }
 
 qint16 Capitals(const QString& value, const QString& name, int max, qint16 code, ScanState& s)
