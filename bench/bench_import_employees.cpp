@@ -1,7 +1,9 @@
 // Import of 100,000 employees with every field ticked (state, zip, phones and branch checked
 // against the database) through the Import window's session, as the window drives it, with
 // the questions answered by script; against the sqlite3 shell's .import of the same file into
-// a scratch table of a copy of the same database, which checks nothing.
+// a scratch table of a copy of the same database, which checks nothing. While ours runs,
+// another connection writes and reads a small table every 20 ms, as the product would, and the
+// longest wait of each is printed.
 // Last line: import-employees: ours=<s>s peer=<s>s ratio=<ours/peer>
 #include "demo_generator.h"
 #include "foundation/dao.h"
@@ -16,7 +18,13 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
 #include <cstdio>
+#include <thread>
 
 namespace {
 
@@ -61,6 +69,39 @@ qint64 count(const QString& database, const QString& sql)
     return n;
 }
 
+// Another program on the same file: a one-row update and a read every 20 ms until told to stop.
+struct Neighbour {
+    std::atomic<bool> stop{false};
+    double longestWrite = 0, longestRead = 0;   // milliseconds
+    int writes = 0, failures = 0;
+
+    void run(const QString& database)
+    {
+        sqlite3* db = nullptr;
+        if (sqlite3_open(QFile::encodeName(database).constData(), &db) != SQLITE_OK)
+            return;
+        sqlite3_busy_timeout(db, 5000);
+        using Clock = std::chrono::steady_clock;
+        const auto ms = [](Clock::time_point from) {
+            return std::chrono::duration<double, std::milli>(Clock::now() - from).count();
+        };
+        while (!stop) {
+            auto t = Clock::now();
+            if (sqlite3_exec(db, "UPDATE BranchInfo SET BranchName = BranchName WHERE BranchNumber = 1", nullptr,
+                             nullptr, nullptr) != SQLITE_OK)
+                ++failures;
+            longestWrite = std::max(longestWrite, ms(t));
+            t = Clock::now();
+            if (sqlite3_exec(db, "SELECT count(*) FROM BranchInfo", nullptr, nullptr, nullptr) != SQLITE_OK)
+                ++failures;
+            longestRead = std::max(longestRead, ms(t));
+            ++writes;
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        }
+        sqlite3_close(db);
+    }
+};
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -96,6 +137,8 @@ int main(int argc, char** argv)
     tp::ScriptedFeedback feedback;
     feedback.defaultYes = true;
     tp::ImportSession session(db, feedback);
+    Neighbour neighbour;
+    std::thread other([&] { neighbour.run(ours); });
     session.selectDataSet(tp::ImportDataType::Employees);
     session.toggleAllTicks();
     const tp::ImportScanOutcome scan = session.scanFile(file);
@@ -107,6 +150,8 @@ int main(int argc, char** argv)
     const tp::ImportWriteOutcome written = session.importToDatabase(QStringLiteral("employees.txt"));
     db.DB_Close();
     const double oursSeconds = double(clock.nsecsElapsed()) / 1e9;
+    neighbour.stop = true;
+    other.join();
     if (!written.succeeded() || count(ours, QStringLiteral("SELECT count(*) FROM EmployeeInfo")) != before + kEmployees) {
         std::fprintf(stderr, "our import failed: %s\n", qPrintable(written.status));
         return 1;
@@ -130,6 +175,9 @@ int main(int argc, char** argv)
 
     std::printf("employees=%d scan=%.3fs write=%.3fs rows committed=%d\n", kEmployees, scanSeconds,
                 oursSeconds - scanSeconds, written.written);
+    std::printf("another connection meanwhile: %d writes and reads, %d failed, longest write %.0f ms, "
+                "longest read %.0f ms\n",
+                neighbour.writes, neighbour.failures, neighbour.longestWrite, neighbour.longestRead);
     std::printf("import-employees: ours=%.3fs peer=%.3fs ratio=%.2f\n", oursSeconds, peerSeconds,
                 oursSeconds / peerSeconds);
     return 0;

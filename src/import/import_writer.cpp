@@ -8,6 +8,7 @@
 #include <QDate>
 #include <QElapsedTimer>
 #include <QSet>
+#include <QThread>
 
 namespace tp {
 
@@ -379,6 +380,7 @@ ImportWriteResult WriteImportedRecords(cDAO& db, Feedback& fb, ImportRecordList&
             out.written = i;
         else if (open.elapsed() >= kImportGroupMs) {
             commit(i);
+            QThread::msleep(kImportGapMs);
             // The dynaset keeps every row added to it; a fresh one per group keeps memory flat.
             db.RS_Close(rs);
             rs = db.RecSet_Dyn(select);

@@ -16,8 +16,11 @@ struct ImportWriteResult {
 };
 
 // Longest time a group of rows stays uncommitted, so that other users of the database wait
-// no longer than that.
+// no longer than about that.
 constexpr int kImportGroupMs = 50;
+// Pause after each group before the next one: another program waiting for the write lock
+// retries on its own schedule and would miss a lock that is free only for a moment.
+constexpr int kImportGapMs = 25;
 
 ImportWriteResult WriteImportedRecords(cDAO& db, Feedback& feedback, ImportRecordList& list);
 
