@@ -16,16 +16,18 @@ TYPED_TEST(ImportWrite, TakenNumbersAreRenumberedToMaxPlusOneAndTwoOnYes)
 {
     this->choose(ImportDataType::Employees);
     this->feedback.answers = {AnswerYes, AnswerYes};
-    const ImportWriteOutcome out = this->scanAndWrite(kEmployees + "5,Lee,Ann,1\n20,Kim,Bo,2\n7,Ray,Cy,1\n");
+    // Numbers are compared with the database only: 20 twice in the file is written twice.
+    const ImportWriteOutcome out =
+        this->scanAndWrite(kEmployees + "5,Lee,Ann,1\n20,Kim,Bo,2\n7,Ray,Cy,1\n20,Dee,Eve,1\n");
     EXPECT_EQ(out.result, 0);
-    EXPECT_EQ(out.written, 3);
+    EXPECT_EQ(out.written, 4);
     EXPECT_EQ(out.status, "Importing File ''import.txt'' Completed Successfully");
     EXPECT_EQ(this->feedback.questions(),
               (QStringList{"EmployeeNumber = 5 is already in use.\rWould you like the system to select a number for you?",
                            "EmployeeNumber = 7 is already in use.\rWould you like the system to select a number for you?"}));
     EXPECT_EQ(this->rows("SELECT EmployeeNumber, LastName, BranchNumber FROM EmployeeInfo WHERE EmployeeNumber > 7 "
-                         "ORDER BY EmployeeNumber"),
-              "8|Lee|1\n9|Ray|1\n20|Kim|2");
+                         "ORDER BY EmployeeNumber, LastName"),
+              "8|Lee|1\n9|Ray|1\n20|Dee|1\n20|Kim|2");
     EXPECT_EQ(this->session.lastRecordNumber(), 0);   // cannot be written twice
 }
 
