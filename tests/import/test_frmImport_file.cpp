@@ -196,5 +196,55 @@ TEST_F(ImportWindowFile, EmployeesRenumberedOnYesAndARefusalWritesNothing)
                   .arg(max + 1));
 }
 
+TEST_F(ImportWindowFile, EverySampleFileImportsWithAllFieldsTicked)
+{
+    const struct {
+        const char* commandLine;
+        const char* dataSet;
+        const char* file;
+        const char* count;   // rows of the target table
+    } cases[] = {
+        {"x,KRV.ini,true,1", "Customer Data", "import_customers.txt", "Select count(*) from CustomerInfo"},
+        {"x,KRV.ini,true,1", "Employee Data", "import_employees.txt", "Select count(*) from EmployeeInfo"},
+        {"x,KRV.ini,true,2", "Vehicle Data", "import_vehicles.txt", "Select count(*) from VehicleInfo"},
+        {"x,KRV.ini,true,1", "Map Locations Data", "import_map_locations.txt",
+         "Select count(*) from CommonLocations"},
+        {"x,lumtrek.ini,true,3", "Pinpoints Data", "import_pinpoints.txt", "Select count(*) from CommonLocations"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.dataSet);
+        const QString sample = QStringLiteral(TP_SOURCE_DIR "/data/") + QString::fromLatin1(c.file);
+        const QByteArray content = readBytes(sample);
+        ASSERT_FALSE(content.isEmpty()) << sample.toStdString();
+        const qint64 records = content.trimmed().count('\n');
+        const qint64 before = site.scalar(QString::fromLatin1(c.count));
+        foundation.feedback.shown.clear();
+
+        openDataSet(QString::fromLatin1(c.dataSet), c.commandLine);
+        clickTickHeading();
+        dialogs.names.push_back(sample);
+        press("cmdGetFile");
+        press("cmdOk");
+        ASSERT_TRUE(button("cmdImportToDB")->isEnabled())
+            << foundation.feedback.messages().join("\n").toStdString();
+        // The sample's selection line names the file's headings, every field being ticked.
+        const QStringList sampleLines = window->formatText().split(QStringLiteral("\r\n"));
+        ASSERT_GE(sampleLines.size(), 4);
+        QString selectionLine = sampleLines[2];
+        selectionLine.remove(QStringLiteral("''")).replace(QStringLiteral(" , "), QStringLiteral(","));
+        EXPECT_EQ(selectionLine,
+                  QString::fromLatin1(content.split('\n').first().trimmed()));
+        EXPECT_EQ(sampleLines.size(), 4 + std::min<qint64>(records, 10));
+        EXPECT_EQ(sampleLines.last(), QStringLiteral("e.t.c."));
+        press("cmdImportToDB");
+        EXPECT_EQ(status(),
+                  QStringLiteral("Importing File ''%1'' Completed Successfully").arg(QString::fromLatin1(c.file)));
+        EXPECT_EQ(site.scalar(QString::fromLatin1(c.count)), before + records);
+        EXPECT_TRUE(foundation.feedback.messages().isEmpty());
+        window.reset();
+        resetGlobals();
+    }
+}
+
 } // namespace
 } // namespace tp::test
