@@ -44,8 +44,11 @@ TEST_F(ImportWindowFile, BrowsingShowsPathAndNameAndACancelledDialogChangesNothi
     fileToChoose("other.txt", kLocations);
     sendMouse(box("txtName"), QEvent::MouseButtonRelease, box("txtName")->rect().center());
     EXPECT_EQ(box("txtName")->text(), QStringLiteral("other.txt"));
-    EXPECT_EQ(dialogs.requests.size(), 3);
-    (void)path;
+    // So does one into the path box.
+    dialogs.names.push_back(path);
+    sendMouse(box("txtPath"), QEvent::MouseButtonRelease, box("txtPath")->rect().center());
+    EXPECT_EQ(box("txtName")->text(), QStringLiteral("locations.txt"));
+    EXPECT_EQ(dialogs.requests.size(), 4);
 }
 
 TEST_F(ImportWindowFile, AFaultIsReportedAndTheFileChoiceComesBack)
@@ -67,6 +70,7 @@ TEST_F(ImportWindowFile, AFaultIsReportedAndTheFileChoiceComesBack)
     EXPECT_FALSE(visible(box("txtPath")));
     EXPECT_FALSE(visible(box("txtName")));
     EXPECT_EQ(box("txtName")->text(), QStringLiteral("locations.txt"));   // kept
+    EXPECT_TRUE(button("cmdOk")->isEnabled());   // the file may be fixed and read again
     EXPECT_FALSE(button("cmdImportToDB")->isEnabled());
     EXPECT_EQ(button("cmdCancel")->text(), QStringLiteral("&Close"));
 
