@@ -16,7 +16,9 @@ class ConsoleFeedback;
 // The final status text goes to out.
 int exportCommand(const Options& options, ConsoleFeedback& feedback, std::FILE* out);
 
-// Checks its options, the start-up and the Import gate; importing itself is not built yet.
+// The Import window's road for one data set: gates, data set, ticked fields, scan of the
+// file, confirmation sample, writing. Faults print the window's report; the final status
+// text goes to out.
 int importCommand(const Options& options, ConsoleFeedback& feedback, std::FILE* out);
 
 // With the data set chosen and its fields ticked: selects the records, scans, formats and

@@ -22,6 +22,8 @@ public:
         m_conn = conn;
         m_shape = shape;
         m_writable = true;
+        for (int i = 0; i < fieldCount(); ++i)
+            m_quoted.append(jet::quoteName(fieldName(i), conn->dialect()));
     }
 
     RecordsetKind kind() const override { return m_kind; }
@@ -141,7 +143,7 @@ private:
         m_errorText = e.text;
         return false;
     }
-    QString column(int i, jet::Dialect d) const { return jet::quoteName(fieldName(i), d); }
+    QString column(int i) const { return m_quoted[i]; }
     bool writeRow(Connection& c, QVariant& newKey, DbError& err);
     bool rereadRow(Connection& c, const QVariant& key, QVector<QVariant>& row);
 
@@ -154,6 +156,7 @@ private:
     bool m_writable = false;
     std::weak_ptr<Connection> m_conn;
     jet::SelectShape m_shape;
+    QStringList m_quoted;   // column names as the engine's statements write them
     Mode m_mode = Mode::None;
     QVector<QVariant> m_pending;
     QVector<bool> m_changed;
@@ -170,7 +173,7 @@ bool BufferedRecordset::writeRow(Connection& c, QVariant& newKey, DbError& err)
     QStringList cols;
     for (int i = 0; i < fieldCount(); ++i)
         if (m_changed[i]) {
-            cols.append(column(i, d));
+            cols.append(column(i));
             params.append(m_pending[i]);
         }
     if (m_mode == Mode::Adding) {
@@ -194,7 +197,7 @@ bool BufferedRecordset::writeRow(Connection& c, QVariant& newKey, DbError& err)
             const QString same = d == jet::Dialect::SQLite ? QStringLiteral(" IS ?")
                                                            : QStringLiteral(" IS NOT DISTINCT FROM ?");
             for (int i = 0; i < fieldCount(); ++i) {
-                sql += QStringLiteral(" AND ") + column(i, d) + same;
+                sql += QStringLiteral(" AND ") + column(i) + same;
                 params.append(m_rows[m_pos][i + m_offset]);
             }
         }

@@ -2,6 +2,7 @@
 #include "foundation/dao_engine.h"
 
 #include <QFileInfo>
+#include <QHash>
 #include <sqlite3.h>
 
 namespace tp {
@@ -140,6 +141,9 @@ public:
     bool isOpen() const override { return m_db != nullptr; }
     void close() override
     {
+        for (sqlite3_stmt* st : std::as_const(m_statements))
+            sqlite3_finalize(st);
+        m_statements.clear();
         if (m_db)
             sqlite3_close_v2(m_db);   // deferred while a streamed recordset still reads
         m_db = nullptr;
@@ -148,13 +152,18 @@ public:
     bool query(const QString& sql, const QVector<QVariant>& params, ResultRows& out,
                DbError& err) override
     {
-        sqlite3_stmt* st = prepare(sql, err);
+        sqlite3_stmt* st = cached(sql, err);
         if (!st)
             return false;
+        // Reset at once after use: a statement left stepping would keep the database locked.
+        const auto release = [st] {
+            sqlite3_reset(st);
+            sqlite3_clear_bindings(st);
+        };
         for (int i = 0; i < params.size(); ++i)
             if (bindValue(st, i + 1, params[i]) != SQLITE_OK) {
                 setError(m_db, err);
-                sqlite3_finalize(st);
+                release();
                 return false;
             }
         out.names = columnNames(st);
@@ -168,10 +177,10 @@ public:
         }
         if (rc != SQLITE_DONE) {
             setError(m_db, err);
-            sqlite3_finalize(st);
+            release();
             return false;
         }
-        sqlite3_finalize(st);
+        release();
         return true;
     }
 
@@ -243,6 +252,23 @@ public:
     qint64 size() override { return QFileInfo(m_path).size(); }
 
 private:
+    // Statements run again and again (a dynaset's insert and re-read, say) are parsed once.
+    sqlite3_stmt* cached(const QString& sql, DbError& err)
+    {
+        if (sqlite3_stmt* st = m_statements.value(sql))
+            return st;
+        sqlite3_stmt* st = prepare(sql, err);
+        if (!st)
+            return nullptr;
+        if (m_statements.size() >= kCachedStatements) {
+            for (sqlite3_stmt* old : std::as_const(m_statements))
+                sqlite3_finalize(old);
+            m_statements.clear();
+        }
+        m_statements.insert(sql, st);
+        return st;
+    }
+
     sqlite3_stmt* prepare(const QString& sql, DbError& err)
     {
         if (!m_db) {
@@ -263,8 +289,10 @@ private:
         return st;
     }
 
+    static constexpr qsizetype kCachedStatements = 32;
     sqlite3* m_db = nullptr;
     QString m_path;
+    QHash<QString, sqlite3_stmt*> m_statements;
 };
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "startup/frmFirst.h"
 
 #include "export/frmExport.h"
+#include "import/frmImport.h"
 #include "foundation/feedback.h"
 #include "foundation/globals.h"
 #include "startup/frmAbout.h"
@@ -114,23 +115,30 @@ bool frmFirst::gate(FunctionMode mode)
     return outcome.allowed;
 }
 
+cDAO* frmFirst::gatedDatabase(FunctionMode mode)
+{
+    if (!gate(mode))
+        return nullptr;
+    cDAO* db = SharedDatabase();
+    if (!db)
+        ShowMessage(1, kCannotOpenDatabase);
+    return db;
+}
+
 void frmFirst::importClicked()
 {
-    // The gate is all there is to importing until the Import window joins.
-    gate(FunctionMode::Import);
+    if (cDAO* db = gatedDatabase(FunctionMode::Import)) {
+        frmImport window(*db, this, prompts, fileDialog);
+        showModal(window);
+    }
 }
 
 void frmFirst::exportClicked()
 {
-    if (!gate(FunctionMode::Export))
-        return;
-    cDAO* db = SharedDatabase();
-    if (!db) {
-        ShowMessage(1, kCannotOpenDatabase);
-        return;
+    if (cDAO* db = gatedDatabase(FunctionMode::Export)) {
+        frmExport window(*db, this, prompts, fileDialog);
+        showModal(window);
     }
-    frmExport window(*db, this, prompts, fileDialog);
-    showModal(window);
 }
 
 void frmFirst::aboutClicked()

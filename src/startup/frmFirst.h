@@ -15,6 +15,7 @@ class QPushButton;
 namespace tp {
 
 class Feedback;
+class cDAO;
 namespace ui { class FileDialog; }
 
 class frmFirst : public QMainWindow {
@@ -32,14 +33,16 @@ public:
     std::function<void(QDialog&)> showModal;
     // How the program ends (Exit, closing the window).
     std::function<void()> endProgram;
-    // Answers for the Export window's prompts and file names; null: boxes and real dialogs.
+    // Answers for the Import and Export windows' prompts and file names; null: boxes and real
+    // dialogs.
     Feedback* prompts = nullptr;
     ui::FileDialog* fileDialog = nullptr;
 
     frmAbout* aboutBox() const { return m_about; }
 
-    // Screenshot mode: the main window, the About box and the Export window with "Time Data"
-    // chosen and three fields ticked, saved as PNG files in folder. Returns the files written.
+    // Screenshot mode: the main window, the About box, the Export window with "Time Data"
+    // chosen and three fields ticked, and the Import window, saved as PNG files in folder.
+    // Returns the files written.
     QStringList saveScreenshots(const QString& folder);
 
 public slots:
@@ -53,6 +56,8 @@ protected:
 
 private:
     bool gate(FunctionMode mode);
+    // The shared database once the gate has passed; null (after any message) otherwise.
+    cDAO* gatedDatabase(FunctionMode mode);
 
     QPushButton* m_cmdImport;
     QPushButton* m_cmdTime;

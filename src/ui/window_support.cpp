@@ -1,8 +1,15 @@
 #include "ui/window_support.h"
 
+#include "foundation/feedback.h"
+#include "foundation/log.h"
+
+#include <QApplication>
 #include <QGuiApplication>
+#include <QPixmap>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QPalette>
+#include <QPushButton>
 #include <QScreen>
 #include <QWidget>
 #include <cmath>
@@ -89,6 +96,53 @@ void setBoxColor(QLineEdit* box, const QColor& color)
 QColor boxColor(const QLineEdit* box)
 {
     return box->palette().color(QPalette::Base);
+}
+
+QPushButton* commandButton(const char* name, const QString& caption, QWidget* parent)
+{
+    auto* b = named(new QPushButton(caption, parent), name);
+    b->setAutoDefault(false);
+    return b;
+}
+
+int fillChoiceList(QListWidget* list, const QStringList& offered, const QString& emptyText)
+{
+    list->clear();
+    list->setEnabled(true);
+    list->addItems(offered);
+    list->show();
+    if (offered.isEmpty()) {
+        list->setEnabled(false);
+        list->addItem(emptyText);
+    }
+    return int(offered.size());
+}
+
+bool highlightEntry(QListWidget* list, const QString& text)
+{
+    const auto items = list->findItems(text, Qt::MatchExactly);
+    if (items.isEmpty() || !list->isEnabled() || list->isHidden())
+        return false;
+    list->setCurrentItem(items.first());
+    return true;
+}
+
+bool savePicture(QWidget* window, const QString& path, QStringList& written)
+{
+    window->show();
+    QApplication::processEvents();
+    if (!window->grab().save(path, "PNG"))
+        return false;
+    written << path;
+    return true;
+}
+
+void reportLoadFailure(Feedback& feedback, const std::exception& e)
+{
+    feedback.busy(false);
+    feedback.message(0, QStringLiteral("Unexpected error occurred"), kBoxTitle);
+    WriteLog(QStringLiteral("Error no. 0: ") + QString::fromLocal8Bit(e.what()) +
+             QStringLiteral("; From: Tallyport: Module: Main:Form_load: Parameters:  NONE "));
 }
 
 } // namespace tp::ui

@@ -159,23 +159,5 @@ TEST_F(BatchExport, GatesRefuseAsTheWindowsDo)
     EXPECT_EQ(site.scalar("SELECT COUNT(*) FROM JobTimeRecords"), 6);
 }
 
-TEST_F(BatchExport, ImportChecksItsOptionsAndGateThenSaysItIsNotBuilt)
-{
-    ASSERT_TRUE(writeBytes(path("vehicles.txt"), "VehicleNumber\r\n1\r\n"));
-    const QStringList base = {"import", "--settings", "KRV.ini", "--dataset", "Vehicle Data", "--user"};
-
-    const BatchRun allowed = run(base + QStringList{"2", "--input", "vehicles.txt"});
-    EXPECT_EQ(allowed.exitCode, 1);
-    EXPECT_EQ(allowed.err, "Import is not available in this version.\n\n");
-
-    const BatchRun guest = run(base + QStringList{"3", "--input", "vehicles.txt"});
-    EXPECT_EQ(guest.exitCode, 1);
-    EXPECT_TRUE(guest.err.startsWith(kRefusal + "\n\n")) << guest.err.toStdString();
-
-    const BatchRun missing = run(base + QStringList{"2", "--input", "nowhere.txt"});
-    EXPECT_EQ(missing.exitCode, 1);
-    EXPECT_TRUE(missing.err.contains("nowhere.txt"));
-}
-
 } // namespace
 } // namespace tp::test

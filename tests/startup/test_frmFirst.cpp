@@ -43,7 +43,7 @@ protected:
             ++modalShown;
             EXPECT_TRUE(dialog.isModal());
             EXPECT_EQ(dialog.parentWidget(), &window);
-            offered = listTexts(dialog);
+            (dialog.objectName() == QLatin1String("frmImport") ? importOffered : offered) = listTexts(dialog);
         };
         window.endProgram = [this] { ++ended; };
     }
@@ -61,6 +61,7 @@ protected:
     int modalShown = 0;
     int ended = 0;
     QStringList offered;
+    QStringList importOffered;
 };
 
 TEST_F(MainWindow, CaptionsAndMenus)
@@ -99,17 +100,21 @@ TEST_F(MainWindow, StartUpStatesOfTheButtons)
 TEST_F(MainWindow, UsersWithRightsPassBothGatesAndSeeTheirDataSets)
 {
     const QStringList all = {"Time Data", "Inventory Data", "GPS Data", "Map Locations Data"};
-    const std::pair<const char*, QStringList> cases[] = {
-        {"x,KRV.ini,true,1", all},
-        {"x,KRV.ini,true,2", {"Time Data"}},   // "IMP" on form 12, "EXP2" on form 11
+    const QStringList allImports = {"Customer Data", "Employee Data", "Vehicle Data", "Map Locations Data"};
+    const struct {
+        const char* line;
+        QStringList dataSets, imports;
+    } cases[] = {
+        {"x,KRV.ini,true,1", all, allImports},
+        {"x,KRV.ini,true,2", {"Time Data"}, {"Vehicle Data"}},   // "IMP" on form 12, "EXP2" on form 11
         // The other settings file checks no rights; "krv.ini" is another settings file too.
-        {"x,lumtrek.ini,true,3", {"GPS Data", "Pinpoint Data"}},
-        {"x,krv.ini,true,3", {"GPS Data", "Pinpoint Data"}},
+        {"x,lumtrek.ini,true,3", {"GPS Data", "Pinpoint Data"}, {"Pinpoints Data"}},
+        {"x,krv.ini,true,3", {"GPS Data", "Pinpoint Data"}, {"Pinpoints Data"}},
     };
     site.writeSettings("krv.ini", "[PRIMARY]\r\nField1=" +
                                       QFile::encodeName(QFileInfo(site.databaseFile()).absolutePath()) +
                                       "/\r\nField2=primary.db\r\n");
-    for (const auto& [line, dataSets] : cases) {
+    for (const auto& [line, dataSets, imports] : cases) {
         SCOPED_TRACE(line);
         resetGlobals();
         modalShown = 0;
@@ -117,8 +122,9 @@ TEST_F(MainWindow, UsersWithRightsPassBothGatesAndSeeTheirDataSets)
         button("cmdImport")->click();
         button("cmdTime")->click();
         EXPECT_TRUE(messages().isEmpty());
-        EXPECT_EQ(modalShown, 1);
+        EXPECT_EQ(modalShown, 2);
         EXPECT_EQ(offered, dataSets);
+        EXPECT_EQ(importOffered, imports);
         EXPECT_TRUE(button("cmdImport")->isEnabled());
         EXPECT_TRUE(button("cmdTime")->isEnabled());
     }
@@ -167,8 +173,11 @@ TEST_F(MainWindow, OtherSettingsFileNeedsLocationsForExport)
     EXPECT_EQ(foundation.feedback.shown[0].text, QStringLiteral("There are no Common Location Records Available."));
     EXPECT_EQ(foundation.feedback.shown[0].code, 0);
     EXPECT_TRUE(button("cmdTime")->isEnabled());
+    // Import opens without a gate.
     button("cmdImport")->click();
     EXPECT_EQ(foundation.feedback.shown.size(), 1u);
+    EXPECT_EQ(modalShown, 1);
+    EXPECT_EQ(importOffered, QStringList{"Pinpoints Data"});
 }
 
 TEST_F(MainWindow, HostileUserIdNeverPasses)
