@@ -38,7 +38,12 @@ int selectScanAndSave(ExportSession& session, const Options& options, ConsoleFee
 
     const ScanOutcome scan = session.scanDatabase();
     if (scan.kind != ScanOutcome::Found) {
-        feedback.note(QStringLiteral("No waiting records match the selection; nothing was written."));
+        // Here only a question answered No cancels a scan.
+        feedback.note(scan.kind == ScanOutcome::Cancelled
+                          ? QStringLiteral("The export was cancelled; nothing was written.")
+                      : session.isTimeOrInventory()
+                          ? QStringLiteral("No waiting records match the selection; nothing was written.")
+                          : QStringLiteral("No records match the selection; nothing was written."));
         return finishWithStatus(feedback, out, ExitFailure);
     }
     // The format buttons are offered only for a ticked Date or Time field.

@@ -73,6 +73,8 @@ TEST_F(BatchDataSets, MapLocationsUnderKrvAskOverTwoHundred)
     const BatchRun no = exportSet("KRV.ini", "1", "Map Locations Data", "LocationNumber", "big.txt");
     EXPECT_EQ(no.exitCode, 1);
     EXPECT_TRUE(no.err.startsWith("There are 201 records to be exported.")) << no.err.toStdString();
+    EXPECT_TRUE(no.err.endsWith("\n\nThe export was cancelled; nothing was written.\n\n")) << no.err.toStdString();
+    EXPECT_EQ(no.out, "Cancel\n");
     EXPECT_FALSE(QFile::exists(path("big.txt")));
     const BatchRun yes = exportSet("KRV.ini", "1", "Map Locations Data", "LocationNumber", "big.txt", {"--yes"});
     ASSERT_EQ(yes.exitCode, 0) << yes.err.toStdString();

@@ -1,6 +1,6 @@
-// Every waiting time record ends up in exactly one complete file and is marked once, whatever
-// runs at the same time, fails or is killed: the built tallyport-batch (and the session the
-// Export window drives) on a demo database, on SQLite and on PostgreSQL.
+// Every waiting time or inventory record ends up in exactly one complete file and is marked
+// once, whatever runs at the same time, fails or is killed: the built tallyport-batch (and the
+// session the Export window drives) on a demo database, on SQLite and on PostgreSQL.
 #include "demo_generator.h"
 #include "support/programs.h"
 #include "support/test_databases.h"
@@ -19,6 +19,8 @@
 #include <QThread>
 #include <gtest/gtest.h>
 #include <memory>
+#include <ostream>
+#include <tuple>
 
 namespace tp::test {
 namespace {
@@ -26,17 +28,38 @@ namespace {
 const QString kBinary = QStringLiteral(TP_BINARY_DIR "/tallyport-batch");
 const QByteArray kOldFile = "the file of an earlier night\r\n";
 
-class ExactlyOnce : public ::testing::TestWithParam<bool> {
+// A data set whose records wait for export and are marked by their own identity.
+struct WaitingSet {
+    const char* name;       // as --dataset takes it
+    const char* table;
+    const char* idColumn;
+    const char* idField;    // the field that writes idColumn
+};
+const WaitingSet kTimeSet{"Time Data", "JobTimeRecords", "NewTimeRecordID", "TimeRecordID"};
+const WaitingSet kInventorySet{"Inventory Data", "InventoryHistory", "InventoryHistoryID",
+                               "InventoryHistoryID"};
+
+void PrintTo(const WaitingSet& set, std::ostream* os)
+{
+    *os << set.name;
+}
+
+class ExactlyOnce : public ::testing::TestWithParam<std::tuple<bool, WaitingSet>> {
 protected:
+    static bool postgres() { return std::get<0>(GetParam()); }
+    static const WaitingSet& set() { return std::get<1>(GetParam()); }
+    static QString table() { return QLatin1String(set().table); }
+
     void SetUp() override
     {
         QString error;
         DemoOptions options;
         options.tracks = 0;
         options.gpsPoints = 0;
+        options.inventoryRecords = options.timeRecords;
         options.replaceExisting = true;
         QString folder, name;
-        if (GetParam()) {
+        if (postgres()) {
             pg = std::make_unique<PgScratchDatabase>();
             if (!pg->ok() && pgTestUrl().isEmpty())
                 GTEST_SKIP() << kPgSkipMessage;
@@ -61,7 +84,8 @@ protected:
     QStringList arguments(const QString& file, const QStringList& extra = {}) const
     {
         return QStringList{"export", "--settings", "KRV.ini", "--user", "1", "--dataset",
-                           "Time Data", "--fields", "TimeRecordID,EmployeeLastName,Date,Time",
+                           QLatin1String(set().name), "--fields",
+                           QLatin1String(set().idField) + QStringLiteral(",EmployeeLastName,Date,Time"),
                            "--yes", "--output", file} + extra;
     }
     std::unique_ptr<QProcess> start(const QString& file, const QString& fault = QString(),
@@ -97,12 +121,13 @@ protected:
         return finish(*p);
     }
 
-    // NewTimeRecordIDs of the records matching condition.
+    // The identities of the data set's records matching condition.
     QSet<qint64> ids(const QString& condition)
     {
         QSet<qint64> out;
-        RecordsetPtr rs = db.RecSet_Forward(
-            QStringLiteral("Select NewTimeRecordID from JobTimeRecords where ") + condition);
+        RecordsetPtr rs = db.RecSet_Forward(QStringLiteral("Select ") + QLatin1String(set().idColumn) +
+                                            QStringLiteral(" from ") + table() +
+                                            QStringLiteral(" where ") + condition);
         for (; rs && !rs->atEnd(); rs->moveNext())
             out.insert(rs->value(0).toLongLong());
         EXPECT_TRUE(rs != nullptr) << db.errorText.toStdString();
@@ -116,8 +141,8 @@ protected:
         QStringList list;
         for (qint64 id : initial)
             list << QString::number(id);
-        db.Exec(QStringLiteral("UPDATE JobTimeRecords SET Approved = 1, ExportID = 0 WHERE NewTimeRecordID IN (") +
-                list.join(',') + QLatin1Char(')'));
+        db.Exec(QStringLiteral("UPDATE ") + table() + QStringLiteral(" SET Approved = 1, ExportID = 0 WHERE ") +
+                QLatin1String(set().idColumn) + QStringLiteral(" IN (") + list.join(',') + QLatin1Char(')'));
         ASSERT_EQ(db.appError, 0) << db.errorText.toStdString();
     }
 
@@ -133,7 +158,8 @@ protected:
     {
         const QByteArray all = bytes(name);
         QList<qint64> out;
-        EXPECT_TRUE(all.startsWith("\"TimeRecordID\",\"EmployeeLastName\",\"Date\",\"Time\"\r\n"))
+        EXPECT_TRUE(all.startsWith('"' + QByteArray(set().idField) +
+                                   "\",\"EmployeeLastName\",\"Date\",\"Time\"\r\n"))
             << name.toStdString();
         EXPECT_TRUE(all.endsWith("\r\n")) << name.toStdString();
         const QList<QByteArray> lines = all.split('\n');
@@ -152,6 +178,15 @@ protected:
     QStringList leftovers() const
     {
         return QDir(files.path()).entryList({QStringLiteral(".*.tp*")}, QDir::Files | QDir::Hidden);
+    }
+    // Until a run has counted its records and opened its temporary file.
+    bool fileStarted() const
+    {
+        QElapsedTimer clock;
+        clock.start();
+        while (leftovers().isEmpty() && clock.elapsed() < 10000)
+            QThread::msleep(20);
+        return !leftovers().isEmpty();
     }
     // Every record waiting at the start (and any in extra) is in exactly one of the files and
     // marked exactly once; nothing waits any more.
@@ -183,12 +218,13 @@ TEST_P(ExactlyOnce, FourRunsAtOnceWriteEveryRecordIntoOneFileAndMarkItOnce)
     ASSERT_FALSE(later.isEmpty());
     std::vector<std::unique_ptr<QProcess>> runs;
     runs.push_back(start(QStringLiteral("out1.txt"), QStringLiteral("lines=100:sleep1500")));
-    QThread::msleep(300);
+    ASSERT_TRUE(fileStarted()) << "the first run never started its file";
     for (int i = 2; i <= 4; ++i)
         runs.push_back(start(QStringLiteral("out%1.txt").arg(i)));
     cDAO host;   // the product approving records while the exports run
     ASSERT_TRUE(host.DB_Connect(location, QString(), QStringLiteral("Admin"), QString()));
-    host.Exec(QStringLiteral("UPDATE JobTimeRecords SET Approved = 1 WHERE Approved = 0 AND ExportID = 0"));
+    host.Exec(QStringLiteral("UPDATE ") + table() +
+              QStringLiteral(" SET Approved = 1 WHERE Approved = 0 AND ExportID = 0"));
     ASSERT_EQ(host.appError, 0) << host.errorText.toStdString();
 
     QStringList written;
@@ -221,8 +257,8 @@ TEST_P(ExactlyOnce, WindowExportAfterABatchRunWritesOnlyWhatIsLeft)
     feedback.defaultYes = true;
     ExportSession session(db, feedback);
     session.offeredDataSets();
-    ASSERT_TRUE(session.selectDataSet(kListTime));
-    for (const char* name : {"TimeRecordID", "EmployeeLastName", "Date", "Time"})
+    ASSERT_TRUE(session.selectDataSet(QLatin1String(set().name)));
+    for (const char* name : {set().idField, "EmployeeLastName", "Date", "Time"})
         ASSERT_TRUE(session.tickField(session.fieldRow(QLatin1String(name)), true));
     ASSERT_TRUE(session.selectAllRecords());
     ASSERT_EQ(session.scanDatabase().kind, ScanOutcome::Found);
@@ -231,7 +267,7 @@ TEST_P(ExactlyOnce, WindowExportAfterABatchRunWritesOnlyWhatIsLeft)
     // The batch run takes January only and lingers before its marks.
     auto batch = start(QStringLiteral("batch.txt"), QStringLiteral("synced:sleep1500"),
                        {"--from", "01/01/2024", "--to", "01/31/2024"});
-    QThread::msleep(500);
+    ASSERT_TRUE(fileStarted()) << "the batch run never started its file";
     const ExportJobResult result = session.saveExportFile(path(QStringLiteral("window.txt")));
     const ProgramRun b = finish(*batch);
     ASSERT_EQ(b.exitCode, 0) << b.err.toStdString();
@@ -302,11 +338,7 @@ TEST_P(ExactlyOnce, SigkillFromOutsideMidFileLeavesTheOldFileAndFreesTheLock)
 {
     writeOld(QStringLiteral("night.txt"));
     auto p = start(QStringLiteral("night.txt"), QStringLiteral("lines=200:sleep20000"));
-    QElapsedTimer clock;
-    clock.start();
-    while (leftovers().isEmpty() && clock.elapsed() < 10000)
-        QThread::msleep(20);
-    ASSERT_FALSE(leftovers().isEmpty()) << "the run never started its file";
+    ASSERT_TRUE(fileStarted()) << "the run never started its file";
     QThread::msleep(200);
     p->kill();   // SIGKILL
     ASSERT_TRUE(p->waitForFinished(5000));
@@ -315,7 +347,8 @@ TEST_P(ExactlyOnce, SigkillFromOutsideMidFileLeavesTheOldFileAndFreesTheLock)
     EXPECT_EQ(leftovers().size(), 1);
 
     // The lock died with the process: the next run does not wait for it.
-    clock.restart();
+    QElapsedTimer clock;
+    clock.start();
     auto next = start(QStringLiteral("night.txt"), QString(), {}, QStringLiteral("3"));
     const ProgramRun r = finish(*next);
     EXPECT_EQ(r.exitCode, 0) << r.err.toStdString();
@@ -330,14 +363,14 @@ TEST_P(ExactlyOnce, FailedWritesMarksAndWaitsLeaveTheNameAsItWas)
     writeOld(QStringLiteral("night.txt"));
     // A marking the database refuses.
     const QString trigger =
-        GetParam() ? QStringLiteral(
+        postgres() ? QStringLiteral(
                          "CREATE FUNCTION tp_refuse() RETURNS trigger AS $$ BEGIN RAISE EXCEPTION "
                          "'marking refused'; END $$ LANGUAGE plpgsql;"
-                         "CREATE TRIGGER tp_refuse BEFORE UPDATE ON JobTimeRecords FOR EACH ROW "
-                         "EXECUTE FUNCTION tp_refuse()")
-                   : QStringLiteral("CREATE TRIGGER tp_refuse BEFORE UPDATE ON JobTimeRecords "
-                                    "BEGIN SELECT RAISE(ABORT, 'marking refused'); END");
-    if (GetParam())
+                         "CREATE TRIGGER tp_refuse BEFORE UPDATE ON %1 FOR EACH ROW "
+                         "EXECUTE FUNCTION tp_refuse()").arg(table())
+                   : QStringLiteral("CREATE TRIGGER tp_refuse BEFORE UPDATE ON %1 "
+                                    "BEGIN SELECT RAISE(ABORT, 'marking refused'); END").arg(table());
+    if (postgres())
         ASSERT_TRUE(pg->run(trigger));
     else {
         db.Exec(trigger);
@@ -351,16 +384,23 @@ TEST_P(ExactlyOnce, FailedWritesMarksAndWaitsLeaveTheNameAsItWas)
         << r.out.toStdString();
     EXPECT_EQ(bytes(QStringLiteral("night.txt")), kOldFile);
     EXPECT_EQ(waiting(), initial);
-    if (GetParam())
-        ASSERT_TRUE(pg->run(QStringLiteral("DROP TRIGGER tp_refuse ON JobTimeRecords")));
+    if (postgres())
+        ASSERT_TRUE(pg->run(QStringLiteral("DROP TRIGGER tp_refuse ON ") + table()));
     else
         db.Exec(QStringLiteral("DROP TRIGGER tp_refuse"));
 
-    // A full disk, as injected, and a device that is always full.
-    r = run(QStringLiteral("night.txt"), QStringLiteral("lines=30:fail"));
-    EXPECT_EQ(r.exitCode, 1);
-    EXPECT_EQ(r.out, "No space left on device. Export unsuccessful\n");
-    EXPECT_EQ(bytes(QStringLiteral("night.txt")), kOldFile);
+    // A full disk, as injected, and a failure at each later step of the save.
+    for (const char* fault : {"lines=30:fail", "synced:fail", "marked:fail", "renamed:fail"}) {
+        SCOPED_TRACE(fault);
+        r = run(QStringLiteral("night.txt"), QLatin1String(fault));
+        EXPECT_EQ(r.exitCode, 1);
+        EXPECT_EQ(r.out, QLatin1String(fault).startsWith(QLatin1String("lines"))
+                             ? "No space left on device. Export unsuccessful\n"
+                             : "Injected failure. Export unsuccessful\n");
+        EXPECT_EQ(bytes(QStringLiteral("night.txt")), kOldFile);
+        EXPECT_EQ(waiting(), initial);
+    }
+    // A device that is always full.
     r = run(QStringLiteral("/dev/full"));
     EXPECT_EQ(r.exitCode, 1);
     EXPECT_EQ(r.out, "No space left on device. Export unsuccessful\n");
@@ -369,7 +409,7 @@ TEST_P(ExactlyOnce, FailedWritesMarksAndWaitsLeaveTheNameAsItWas)
 
     // Another run holding the lock past the wait.
     auto holder = start(QStringLiteral("holder.txt"), QStringLiteral("synced:sleep4000"));
-    QThread::msleep(700);
+    ASSERT_TRUE(fileStarted()) << "the holder never started its file";
     auto p = start(QStringLiteral("night.txt"), QString(), {}, QStringLiteral("1"));
     r = finish(*p);
     EXPECT_EQ(r.exitCode, 1);
@@ -384,7 +424,7 @@ TEST_P(ExactlyOnce, FailedWritesMarksAndWaitsLeaveTheNameAsItWas)
 // cannot be known, so the chosen name keeps the earlier file and the new one is kept beside it.
 TEST_P(ExactlyOnce, ServerLostAtTheCommitKeepsBothFiles)
 {
-    if (!GetParam())
+    if (!postgres())
         GTEST_SKIP() << "an SQLite commit either happens or reports that it did not";
     writeOld(QStringLiteral("night.txt"));
     auto p = start(QStringLiteral("night.txt"), QStringLiteral("renamed:sleep2000"));
@@ -415,8 +455,12 @@ TEST_P(ExactlyOnce, StandardOutputCarriesTheFileAndTheStatusGoesToStandardError)
     expectEachOnce({QStringLiteral("stdout.txt")});
 }
 
-INSTANTIATE_TEST_SUITE_P(Engines, ExactlyOnce, ::testing::Values(false, true),
-                         [](const auto& info) { return info.param ? "PostgreSQL" : "SQLite"; });
+INSTANTIATE_TEST_SUITE_P(EnginesAndDataSets, ExactlyOnce,
+                         ::testing::Combine(::testing::Bool(), ::testing::Values(kTimeSet, kInventorySet)),
+                         [](const auto& info) {
+                             return std::string(std::get<0>(info.param) ? "PostgreSQL" : "SQLite") +
+                                    (std::get<1>(info.param).table == kTimeSet.table ? "_Time" : "_Inventory");
+                         });
 
 } // namespace
 } // namespace tp::test
