@@ -23,12 +23,7 @@ namespace tp {
 
 namespace {
 
-template <typename W>
-W* named(W* widget, const char* name)
-{
-    widget->setObjectName(QString::fromLatin1(name));
-    return widget;
-}
+using ui::named;
 
 QTableWidget* grid(const char* name, QWidget* parent)
 {
@@ -41,13 +36,6 @@ QTableWidget* grid(const char* name, QWidget* parent)
     t->horizontalHeader()->setHighlightSections(false);
     t->setMinimumSize(120, 80);
     return t;
-}
-
-QPushButton* button(const char* name, const QString& caption, QWidget* parent)
-{
-    auto* b = named(new QPushButton(caption, parent), name);
-    b->setAutoDefault(false);
-    return b;
 }
 
 } // namespace
@@ -74,10 +62,7 @@ frmExport::frmExport(cDAO& db, QWidget* parent, Feedback* prompts, ui::FileDialo
         load();
     } catch (const std::exception& e) {
         // Nothing in the load is expected to throw; if it does, say so and keep the window.
-        m_feedback->busy(false);
-        m_feedback->message(0, QStringLiteral("Unexpected error occurred"), kBoxTitle);
-        WriteLog(QStringLiteral("Error no. 0: ") + QString::fromLocal8Bit(e.what()) +
-                 QStringLiteral("; From: Tallyport: Module: Main:Form_load: Parameters:  NONE "));
+        ui::reportLoadFailure(*m_feedback, e);
     }
 }
 
@@ -115,9 +100,9 @@ void frmExport::buildControls()
     auto* panel = new QVBoxLayout(m_selectionPanel);
     panel->setContentsMargins(0, 0, 0, 0);
     panel->setSpacing(6);
-    cmdAll = button("cmdAll", kSelectAllRecords, m_selectionPanel);
-    cmdDate = button("cmdDate", kSelectRecordsByDate, m_selectionPanel);
-    cmdOK = button("cmdOK", QStringLiteral("Scan Database"), m_selectionPanel);
+    cmdAll = ui::commandButton("cmdAll", kSelectAllRecords, m_selectionPanel);
+    cmdDate = ui::commandButton("cmdDate", kSelectRecordsByDate, m_selectionPanel);
+    cmdOK = ui::commandButton("cmdOK", QStringLiteral("Scan Database"), m_selectionPanel);
     lblStart = named(new QLabel(QStringLiteral("Start Date:"), m_selectionPanel), "lblStart");
     lblStop = named(new QLabel(QStringLiteral("Stop Date:"), m_selectionPanel), "lblStop");
     txtStart = named(new QLineEdit(m_selectionPanel), "txtStart");
@@ -127,8 +112,8 @@ void frmExport::buildControls()
         box->setPlaceholderText(QStringLiteral("MM/DD/YYYY"));
         box->setFixedWidth(box->fontMetrics().horizontalAdvance(QStringLiteral("00/00/00000")) + 14);
     }
-    cmdStart = button("cmdStart", QStringLiteral("..."), m_selectionPanel);
-    cmdStop = button("cmdStop", QStringLiteral("..."), m_selectionPanel);
+    cmdStart = ui::commandButton("cmdStart", QStringLiteral("..."), m_selectionPanel);
+    cmdStop = ui::commandButton("cmdStop", QStringLiteral("..."), m_selectionPanel);
     cmdStart->setToolTip(QStringLiteral("Pick the start date"));
     cmdStop->setToolTip(QStringLiteral("Pick the stop date"));
     for (QPushButton* b : {cmdStart, cmdStop})
@@ -169,10 +154,10 @@ void frmExport::buildControls()
     m_actionBar = new QWidget(this);
     auto* actions = new QHBoxLayout(m_actionBar);
     actions->setContentsMargins(0, 0, 0, 0);
-    cmdFormatDate = button("cmdFormatDate", QStringLiteral("Format Date"), m_actionBar);
-    cmdFormatTime = button("cmdFormatTime", QStringLiteral("Format Time"), m_actionBar);
-    cmdPreviewExport = button("cmdPreviewExport", QStringLiteral("Preview File"), m_actionBar);
-    cmdCancelClose = button("cmdCancelClose", QStringLiteral("Close"), m_actionBar);
+    cmdFormatDate = ui::commandButton("cmdFormatDate", QStringLiteral("Format Date"), m_actionBar);
+    cmdFormatTime = ui::commandButton("cmdFormatTime", QStringLiteral("Format Time"), m_actionBar);
+    cmdPreviewExport = ui::commandButton("cmdPreviewExport", QStringLiteral("Preview File"), m_actionBar);
+    cmdCancelClose = ui::commandButton("cmdCancelClose", QStringLiteral("Close"), m_actionBar);
     actions->addWidget(cmdFormatDate);
     actions->addWidget(cmdFormatTime);
     actions->addStretch(1);
