@@ -3,9 +3,17 @@
 #   test.sh [Release|Debug]     into ./build
 #   test.sh --sanitize          into ./build-asan, built with AddressSanitizer and UBSan; any
 #                               finding fails its test (leaks only as tests/sanitizer/lsan.supp allows)
-# The exit status is ctest's.
+#   test.sh --all               what CI runs: the plain suite, the sanitized suite, then a few
+#                               seconds of every fuzz target
+# The exit status is ctest's (with --all, the first that failed).
 set -euo pipefail
 cd "$(dirname "$0")/.."
+
+if [ "${1:-}" = --all ]; then
+    scripts/test.sh
+    scripts/test.sh --sanitize
+    exec scripts/fuzz.sh --smoke
+fi
 
 builddir=build
 if [ "${1:-}" = --sanitize ]; then
