@@ -37,7 +37,7 @@ struct FieldSpec {
     QString format;
 
     QString text() const;
-    // The row a specification text describes; nothing when it has fewer than eight parts,
+    // The row a FieldSpec text describes; nothing when it has fewer than eight parts,
     // when part 0 or part 1 is not a number, or when part 0 is below 1 (such a text is skipped).
     static std::optional<FieldSpec> parse(const QString& text);
     // Part c+2 for grid column c (2..5); empty beyond the columns the text fills.
@@ -54,7 +54,7 @@ struct ImportDataSetInfo {
 
 const ImportDataSetInfo& ImportDataSet(ImportDataType type);
 
-// The specification texts of a data set in grid order. Customers, employees and vehicles
+// The FieldSpec texts of a data set in grid order. Customers, employees and vehicles
 // end with a required BranchNumber row only when a branch exists; map locations always
 // carry BranchNumber in row 2, required only when a branch exists.
 QStringList ImportSpecTexts(ImportDataType type, bool branchExists);

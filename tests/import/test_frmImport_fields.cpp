@@ -190,7 +190,7 @@ TEST_F(ImportWindowFields, ChangeDataTypeReturnsToTheListAndCloseEndsTheWindow)
     EXPECT_EQ(window->size(), QSize(ui::twipsToPixels(3775), ui::twipsToPixels(3630)));
     EXPECT_EQ(window->pos(), QPoint(ui::twipsToPixels(1000), ui::twipsToPixels(2000)));
 
-    // Another data set then starts from its own specification.
+    // Another data set then starts from its own field list.
     clickListItem(list(), QStringLiteral("Map Locations Data"));
     EXPECT_EQ(ticks(), QStringLiteral("111000000"));
     EXPECT_EQ(button("cmdCancel")->text(), QStringLiteral("&Close"));
