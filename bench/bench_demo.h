@@ -1,9 +1,9 @@
 #pragma once
-// The demo database the time benchmarks start from: employees and the rest, but no time,
-// inventory or GPS records (each benchmark adds its own time records).
+// The demo database the benchmarks start from: employees and the rest, but no time,
+// inventory or GPS records (each benchmark adds the records it measures).
 #include "demo_generator.h"
 
-inline tp::DemoOptions timeBenchDemo(int employees)
+inline tp::DemoOptions recordFreeDemo(int employees = tp::DemoOptions{}.employees)
 {
     tp::DemoOptions options;
     options.employees = employees;

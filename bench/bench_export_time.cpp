@@ -154,7 +154,7 @@ int main(int argc, char** argv)
     const QString scan = QDir(dir.path()).filePath(QStringLiteral("scan.db"));
     tp::globals().SettingsFileName = QStringLiteral("KRV.ini");
 
-    const tp::DemoOptions options = timeBenchDemo(kEmployees);
+    const tp::DemoOptions options = recordFreeDemo(kEmployees);
     QString error;
     if (!tp::createDemoDatabase(ours, options, &error) || !QFile::copy(ours, scan)
         || !fillTimeRecords(ours, kRecords, &error) || !QFile::copy(ours, peer)

@@ -166,7 +166,7 @@ int main(int argc, char** argv)
     QTemporaryDir dir, oursSettings, liteSettings;
     const QString liteFile = QDir(dir.path()).filePath(QStringLiteral("bench.db"));
 
-    const tp::DemoOptions options = timeBenchDemo(kEmployees);
+    const tp::DemoOptions options = recordFreeDemo(kEmployees);
     QString error;
     auto cleanup = [&] {
         QString ignored;

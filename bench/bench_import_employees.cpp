@@ -5,7 +5,7 @@
 // another connection writes and reads a small table every 20 ms, as the product would, and the
 // longest wait of each is printed.
 // Last line: import-employees: ours=<s>s peer=<s>s ratio=<ours/peer>
-#include "demo_generator.h"
+#include "bench_demo.h"
 #include "foundation/dao.h"
 #include "foundation/feedback.h"
 #include "foundation/globals.h"
@@ -114,11 +114,7 @@ int main(int argc, char** argv)
     tp::globals().SettingsFileName = QStringLiteral("KRV.ini");
     tp::globals().DatabaseOpen = true;
 
-    tp::DemoOptions options;
-    options.timeRecords = 0;
-    options.inventoryRecords = 0;
-    options.tracks = 0;
-    options.gpsPoints = 0;
+    const tp::DemoOptions options = recordFreeDemo();
     QString error;
     if (!tp::createDemoDatabase(ours, options, &error) || !QFile::copy(ours, peer) || !writeFile(file)) {
         std::fprintf(stderr, "cannot build the databases or the file: %s\n", qPrintable(error));
