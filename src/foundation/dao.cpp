@@ -248,32 +248,41 @@ bool cDAO::DB_Backup(const QString& sSrcPath, const QString& sNewDatabasePath)
     return QFileInfo::exists(target);
 }
 
-bool cDAO::BeginTrans()
+Connection* cDAO::connection()
 {
     clearStatus();
-    DbError err;
-    if (!m_engine->conn) {
+    if (!m_engine->conn || !m_engine->conn->isOpen()) {
         fail(StatusExec, ErrNotConnected, QStringLiteral("The database is not open."));
-        return false;
+        return nullptr;
     }
-    if (m_engine->conn->begin(err))
+    return m_engine->conn.get();
+}
+
+bool cDAO::onConnection(const std::function<bool(Connection&, DbError&)>& op)
+{
+    Connection* c = connection();
+    if (!c)
+        return false;
+    DbError err;
+    if (op(*c, err))
         return true;
     fail(StatusExec, err.code, err.text);
     return false;
 }
 
+bool cDAO::BeginTrans()
+{
+    return onConnection([](Connection& c, DbError& err) { return c.begin(err); });
+}
+
+bool cDAO::BeginWriteTrans()
+{
+    return onConnection([](Connection& c, DbError& err) { return c.beginWrite(err); });
+}
+
 bool cDAO::CommitTrans()
 {
-    clearStatus();
-    DbError err;
-    if (!m_engine->conn) {
-        fail(StatusExec, ErrNotConnected, QStringLiteral("The database is not open."));
-        return false;
-    }
-    if (m_engine->conn->commit(err))
-        return true;
-    fail(StatusExec, err.code, err.text);
-    return false;
+    return onConnection([](Connection& c, DbError& err) { return c.commit(err); });
 }
 
 void cDAO::Rollback()
@@ -286,33 +295,21 @@ void cDAO::Rollback()
 
 qint64 cDAO::ExecCount(const QVariant& sSQL)
 {
-    clearStatus();
-    if (!m_engine->conn || !m_engine->conn->isOpen()) {
-        fail(StatusExec, ErrNotConnected, QStringLiteral("The database is not open."));
-        return -1;
-    }
-    DbError err;
-    qint64 changed = 0;
-    if (!m_engine->conn->execCount(jet::translate(sSQL.toString(), m_engine->conn->dialect()), changed,
-                                   err)) {
-        fail(StatusExec, err.code, err.text);
-        return -1;
-    }
-    return changed;
+    qint64 changed = -1;
+    const bool ok = onConnection([&](Connection& c, DbError& err) {
+        return c.execCount(jet::translate(sSQL.toString(), c.dialect()), changed, err);
+    });
+    return ok ? changed : -1;
 }
 
 bool cDAO::FillIdTable(const QString& table, const std::vector<qint64>& ids)
 {
-    clearStatus();
-    if (!m_engine->conn || !m_engine->conn->isOpen()) {
-        fail(StatusExec, ErrNotConnected, QStringLiteral("The database is not open."));
-        return false;
-    }
-    DbError err;
-    if (m_engine->conn->fillIdTable(table, ids, err))
-        return true;
-    fail(StatusExec, err.code, err.text);
-    return false;
+    return onConnection([&](Connection& c, DbError& err) { return c.fillIdTable(table, ids, err); });
+}
+
+bool cDAO::InsertRows(const QString& table, const QStringList& columns, const std::vector<QVector<QVariant>>& rows)
+{
+    return onConnection([&](Connection& c, DbError& err) { return c.insertRows(table, columns, rows, err); });
 }
 
 bool cDAO::isPostgres() const

@@ -2,14 +2,18 @@
 // cDAO: the one way to the primary database. Takes Jet SQL texts and runs them on an
 // SQLite file (C API) or a PostgreSQL server (QtSql QPSQL), chosen by the location.
 #include <QString>
+#include <QStringList>
 #include <QVariant>
+#include <QVector>
 #include <functional>
 #include <memory>
 #include <vector>
 
 namespace tp {
 
+class Connection;
 class DbEngine;
+struct DbError;
 
 enum class RecordsetKind {
     Snapshot,    // read-only static copy, both directions, exact count
@@ -92,6 +96,9 @@ public:
     // Beyond the old interface: streamed reading and explicit transactions for bulk work.
     RecordsetPtr RecSet_Forward(const QVariant& sSQL);   // status 30 on failure
     bool BeginTrans();
+    // BeginTrans that takes the write lock at once (SQLite's BEGIN IMMEDIATE): a group of
+    // writes then never finds the lock taken half-way, and its holding time starts here.
+    bool BeginWriteTrans();
     bool CommitTrans();
     void Rollback();
     bool isPostgres() const;
@@ -100,6 +107,12 @@ public:
     // Fills the connection's temporary table `table` (column `id`) with ids, replacing what it
     // held, so that a statement can select by a long list of ids without spelling it out.
     bool FillIdTable(const QString& table, const std::vector<qint64>& ids);
+    // Adds rows to table, each row a value per column, in order. The statement is prepared
+    // once (SQLite) or carries many rows (PostgreSQL), so bulk writing costs no recordset per
+    // row. Values are bound or quoted by the engine, never pasted. False when the database
+    // refuses a row (status 20); which row is not told, and on PostgreSQL the open
+    // transaction is then spoilt.
+    bool InsertRows(const QString& table, const QStringList& columns, const std::vector<QVector<QVariant>>& rows);
 
     qint32 error_code = 0;
     qint16 appError = 0;
@@ -115,6 +128,10 @@ private:
     RecordsetPtr open(const QVariant& sql, RecordsetKind kind, qint16 status);
     void clearStatus();
     void fail(qint16 status, qint32 code, const QString& text);
+    // The open connection after clearing the status; nullptr (and status 20) when closed.
+    Connection* connection();
+    // Runs op on the open connection; its failure becomes status 20.
+    bool onConnection(const std::function<bool(Connection&, DbError&)>& op);
     std::unique_ptr<DbEngine> m_engine;
 };
 

@@ -60,7 +60,12 @@ public:
     virtual bool fillIdTable(const QString& table, const std::vector<qint64>& ids, DbError& err) = 0;
     // A ForwardOnly recordset streaming the rows.
     virtual RecordsetPtr stream(const QString& sql, DbError& err) = 0;
+    // Adds rows (a value per column each) to table; false at the first refusal.
+    virtual bool insertRows(const QString& table, const QStringList& columns,
+                            const std::vector<QVector<QVariant>>& rows, DbError& err) = 0;
     virtual bool begin(DbError& err) = 0;
+    // A transaction that holds the write lock from its start.
+    virtual bool beginWrite(DbError& err) { return begin(err); }
     virtual bool commit(DbError& err) = 0;
     virtual bool rollback(DbError& err) = 0;
     virtual qint64 size() = 0;
@@ -96,6 +101,9 @@ private:
     qint32 m_seen = 0;
     bool m_end = false;
 };
+
+// "INSERT INTO table (a, b) VALUES (?, ?)"; DEFAULT VALUES without columns.
+QString insertStatement(const QString& table, const QStringList& columns);
 
 std::shared_ptr<Connection> openSqlite(const QString& path, DbError& err);
 std::shared_ptr<Connection> openPostgres(const QString& location, const QString& password,

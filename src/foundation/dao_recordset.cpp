@@ -177,12 +177,7 @@ bool BufferedRecordset::writeRow(Connection& c, QVariant& newKey, DbError& err)
             params.append(m_pending[i]);
         }
     if (m_mode == Mode::Adding) {
-        if (cols.isEmpty())
-            sql = QStringLiteral("INSERT INTO %1 DEFAULT VALUES").arg(m_shape.table);
-        else
-            sql = QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
-                      .arg(m_shape.table, cols.join(QStringLiteral(", ")),
-                           QStringList(cols.size(), QStringLiteral("?")).join(QStringLiteral(", ")));
+        sql = insertStatement(m_shape.table, cols);
     } else {
         if (cols.isEmpty()) {
             newKey = m_rows[m_pos][0];
@@ -273,6 +268,15 @@ bool BufferedRecordset::update()
 }
 
 } // namespace
+
+QString insertStatement(const QString& table, const QStringList& columns)
+{
+    if (columns.isEmpty())
+        return QStringLiteral("INSERT INTO %1 DEFAULT VALUES").arg(table);
+    return QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
+        .arg(table, columns.join(QStringLiteral(", ")),
+             QStringList(columns.size(), QStringLiteral("?")).join(QStringLiteral(", ")));
+}
 
 RecordsetPtr openBuffered(const std::shared_ptr<Connection>& conn, const QString& jetSql,
                           RecordsetKind kind, DbError& err)

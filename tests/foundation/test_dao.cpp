@@ -390,6 +390,42 @@ TYPED_TEST(DaoTest, TransactionsCommitOrRollBack)
     EXPECT_EQ(other.Reco_Count(QStringLiteral("Select * from Items")), 3);
 }
 
+// The bulk road: every value type bound as it stands (texts no engine may reinterpret, a
+// null, reals), more rows than one PostgreSQL statement carries, and a refused row failing
+// the call with the engine's reason.
+TYPED_TEST(DaoTest, InsertRowsStoresEveryValueAndFailsOnARefusedRow)
+{
+    const QStringList columns{QStringLiteral("ItemID"), QStringLiteral("Name"), QStringLiteral("Price"),
+                              QStringLiteral("Note")};
+    const QString texts[] = {QStringLiteral("x' OR '1'='1"), QStringLiteral("'); DROP TABLE Items; --"),
+                             QStringLiteral("back\\slash ? $1 :name"), QString::fromUtf8("Zoë – 🚚"),
+                             QString()};
+    std::vector<QVector<QVariant>> rows;
+    for (int i = 0; i < 1200; ++i)
+        rows.push_back({QVariant(qint64(i)), QVariant(texts[i % 5]), QVariant(i + 0.25),
+                        i % 3 ? QVariant(QStringLiteral("n%1").arg(i)) : QVariant()});
+    ASSERT_TRUE(this->dao.BeginWriteTrans()) << this->dao.errorText.toStdString();
+    ASSERT_TRUE(this->dao.InsertRows(QStringLiteral("Items"), columns, rows)) << this->dao.errorText.toStdString();
+    ASSERT_TRUE(this->dao.CommitTrans());
+    EXPECT_EQ(this->dao.Reco_Count(QStringLiteral("Select * from Items")), 1200);
+    for (const int i : {0, 1, 2, 3, 4, 500, 1199}) {
+        RecordsetPtr rs = this->dao.RecSet_Stat(QStringLiteral("Select Name, Price, Note from Items where ItemID = %1").arg(i));
+        ASSERT_TRUE(rs && !rs->atEnd()) << i;
+        EXPECT_EQ(rs->value(0).toString(), texts[i % 5]) << i;
+        EXPECT_DOUBLE_EQ(rs->value(1).toDouble(), i + 0.25);
+        EXPECT_EQ(rs->value(2).isNull(), i % 3 == 0) << i;
+    }
+    EXPECT_EQ(this->dao.Reco_Count(QStringLiteral("Select * from Items where Name = ''")), 240);
+
+    const QStringList keyed{QStringLiteral("KeyID"), QStringLiteral("Label")};
+    ASSERT_TRUE(this->dao.InsertRows(QStringLiteral("Keyed"), keyed, {{QVariant(1), QVariant(QStringLiteral("one"))}}));
+    EXPECT_FALSE(this->dao.InsertRows(QStringLiteral("Keyed"), keyed,
+                                      {{QVariant(2), QVariant(QStringLiteral("two"))},
+                                       {QVariant(1), QVariant(QStringLiteral("again"))}}));
+    EXPECT_EQ(this->dao.appError, tp::StatusExec);
+    EXPECT_FALSE(this->dao.errorText.isEmpty());
+}
+
 TYPED_TEST(DaoTest, HostileTextDoesNotChangeAStatement)
 {
     this->addItems(2);
