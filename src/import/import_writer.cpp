@@ -10,6 +10,9 @@
 #include <QSet>
 #include <QThread>
 
+#include <cmath>
+#include <functional>
+
 namespace tp {
 
 namespace {
@@ -55,22 +58,37 @@ int numberField(RecordTable t)
     return LoNumber;
 }
 
-// Every value of one column, upper-cased and trimmed when `text`.
-QSet<QString> columnValues(cDAO& db, const QString& sql, bool trimUpper)
+// Every value of the first column of sql, given to add.
+template <class Add>
+void readColumn(cDAO& db, const QString& sql, Add add)
 {
-    QSet<QString> out;
     RecordsetPtr rs = db.RecSet_Forward(sql);
     for (; rs && !rs->atEnd(); rs->moveNext()) {
         const QVariant v = rs->value(0);
-        if (v.isNull())
-            continue;
-        if (trimUpper)
-            out.insert(TrimBlanks(v.toString()).toUpper());
-        else
-            out.insert(PlainNumber(v.toDouble()));
+        if (!v.isNull())
+            add(v);
     }
     if (rs)
         db.RS_Close(rs);
+}
+
+// The column's texts, trimmed and upper-cased.
+QSet<QString> textValues(cDAO& db, const QString& sql)
+{
+    QSet<QString> out;
+    readColumn(db, sql, [&out](const QVariant& v) { out.insert(TrimBlanks(v.toString()).toUpper()); });
+    return out;
+}
+
+// The column's whole numbers (a record's number is always whole, so no other can match it).
+QSet<qint64> wholeValues(cDAO& db, const QString& sql)
+{
+    QSet<qint64> out;
+    readColumn(db, sql, [&out](const QVariant& v) {
+        const double d = v.toDouble();
+        if (std::isfinite(d) && d == std::floor(d) && std::fabs(d) < 9e15)
+            out.insert(qint64(d));
+    });
     return out;
 }
 
@@ -86,8 +104,7 @@ bool duplicatePass(cDAO& db, Feedback& fb, ImportRecordList& list)
     const TableInfo info = tableInfo(list.table);
     const qint32 n = list.lastRecord;
     if (list.table == RecordTable::Locations) {
-        const QSet<QString> names =
-            columnValues(db, QStringLiteral("Select LocationName from CommonLocations"), true);
+        const QSet<QString> names = textValues(db, QStringLiteral("Select LocationName from CommonLocations"));
         for (qint32 i = 1; i <= n; ++i) {
             const QString name = TrimBlanks(list.cell(i, LoName).text);
             if (!names.contains(comparedName(name).toUpper()))
@@ -106,11 +123,11 @@ bool duplicatePass(cDAO& db, Feedback& fb, ImportRecordList& list)
     double next = db.MaxID_Value(info.table, info.numberColumn).toDouble();
     if (next < 1)
         next = 1;
-    const QSet<QString> numbers = columnValues(
-        db, QStringLiteral("Select ") + info.numberColumn + QStringLiteral(" from ") + info.table, false);
+    const QSet<qint64> numbers =
+        wholeValues(db, QStringLiteral("Select ") + info.numberColumn + QStringLiteral(" from ") + info.table);
     for (qint32 i = 1; i <= n; ++i) {
         ImportCell& c = list.cell(i, field);
-        if (!numbers.contains(PlainNumber(c.number)))
+        if (!numbers.contains(qint64(c.number)))
             continue;
         if (fb.ask(0, info.question + PlainNumber(c.number) + info.questionEnd) != AnswerYes)
             return false;
@@ -119,7 +136,7 @@ bool duplicatePass(cDAO& db, Feedback& fb, ImportRecordList& list)
     }
     if (list.table != RecordTable::Vehicles)
         return true;
-    const QSet<QString> plates = columnValues(db, QStringLiteral("Select LicenseNumber from VehicleInfo"), true);
+    const QSet<QString> plates = textValues(db, QStringLiteral("Select LicenseNumber from VehicleInfo"));
     for (qint32 i = 1; i <= n; ++i) {
         const QString plate = TrimBlanks(list.cell(i, VeLicenseNumber).text);
         if (!plates.contains(plate.toUpper()))
@@ -139,38 +156,49 @@ QString doneLine(qint32 i, bool twoBlanks = false)
                       : QStringLiteral(" record(s) processed successfully."));
 }
 
-// Writes records one after the other into the table's dynaset.
+// The row a record becomes: the columns are decided once from the presence markers, and
+// each record gives a value per column.
 class RowWriter {
 public:
     RowWriter(cDAO& db, ImportRecordList& list) : m_db(db), m_list(list)
     {
         m_lookups.load(db);
         m_today = ImportDateAcquired();
+        planColumns();
     }
 
     // The write-time checks of record i; the notice when one fails, empty when all pass.
     QString refusal(qint32 i) const;
-    // Adds record i; false when the database refused the row (its error then in m_error).
-    bool add(Recordset& rs, qint32 i);
-    QString error() const { return m_error; }
+    const QStringList& columns() const { return m_columns; }
+    QVector<QVariant> row(qint32 i) const;
 
 private:
+    using Value = std::function<QVariant(qint32)>;
+
     bool present(int f) const { return m_list.isPresent(f); }
     QString text(qint32 i, int f) const { return m_list.cell(i, f).text; }
     QString trimmed(qint32 i, int f) const { return TrimBlanks(text(i, f)); }
     qint64 whole(qint32 i, int f) const { return qint64(m_list.cell(i, f).number); }
     QString branchText(qint32 i, int f) const { return PlainNumber(m_list.cell(i, f).number); }
     bool branchOk(qint32 i, int f) const { return !present(f) || m_lookups.branchExists(m_list.cell(i, f).number); }
-    void set(Recordset& rs, const char* column, const QVariant& v) { m_ok = rs.setValue(QLatin1String(column), v) && m_ok; }
-    void setIfPresent(Recordset& rs, const char* column, qint32 i, int f, int width = 0);
-    void setDefaulted(Recordset& rs, const char* column, qint32 i, int f, const QString& blank);
+
+    void planColumns();
+    void add(const char* column, Value value);
+    void addFixed(const char* column, const QVariant& value);
+    // The field's value as its kind stores it, when the file has the field; text cut to
+    // width (after trimming) when a width is given.
+    void addIfPresent(const char* column, int f, int width = 0);
+    void addTrimmedIfPresent(const char* column, int f);
+    // The trimmed value, or `blank` when the file has no such field or the value is empty.
+    void addDefaulted(const char* column, int f, const QString& blank);
+    void addBranch(const char* column, int f);
 
     cDAO& m_db;
     ImportRecordList& m_list;
     ImportLookups m_lookups;
     QString m_today;
-    QString m_error;
-    bool m_ok = true;
+    QStringList m_columns;
+    std::vector<Value> m_values;
 };
 
 QString RowWriter::refusal(qint32 i) const
@@ -207,102 +235,281 @@ QString RowWriter::refusal(qint32 i) const
     return QString();
 }
 
-void RowWriter::setIfPresent(Recordset& rs, const char* column, qint32 i, int f, int width)
+void RowWriter::add(const char* column, Value value)
+{
+    m_columns << QLatin1String(column);
+    m_values.push_back(std::move(value));
+}
+
+void RowWriter::addFixed(const char* column, const QVariant& value)
+{
+    add(column, [value](qint32) { return value; });
+}
+
+void RowWriter::addIfPresent(const char* column, int f, int width)
 {
     if (!present(f))
         return;
-    const CellKind kind = RecordLayout(m_list.table)[size_t(f)].kind;
-    if (kind == CellKind::Number)
-        set(rs, column, whole(i, f));
-    else if (kind == CellKind::Real)
-        set(rs, column, m_list.cell(i, f).number);
-    else if (width > 0)
-        set(rs, column, trimmed(i, f).left(width));
+    switch (RecordLayout(m_list.table)[size_t(f)].kind) {
+    case CellKind::Number: add(column, [this, f](qint32 i) { return QVariant(whole(i, f)); }); return;
+    case CellKind::Real: add(column, [this, f](qint32 i) { return QVariant(m_list.cell(i, f).number); }); return;
+    case CellKind::Text: break;
+    }
+    if (width > 0)
+        add(column, [this, f, width](qint32 i) { return QVariant(trimmed(i, f).left(width)); });
     else
-        set(rs, column, text(i, f));
+        add(column, [this, f](qint32 i) { return QVariant(text(i, f)); });
 }
 
-void RowWriter::setDefaulted(Recordset& rs, const char* column, qint32 i, int f, const QString& blank)
+void RowWriter::addTrimmedIfPresent(const char* column, int f)
 {
-    const QString v = present(f) ? trimmed(i, f) : QString();
-    set(rs, column, v.isEmpty() ? blank : v);
+    if (present(f))
+        add(column, [this, f](qint32 i) { return QVariant(trimmed(i, f)); });
 }
 
-bool RowWriter::add(Recordset& rs, qint32 i)
+void RowWriter::addDefaulted(const char* column, int f, const QString& blank)
 {
-    m_ok = rs.addNew();
+    if (!present(f)) {
+        addFixed(column, blank);
+        return;
+    }
+    add(column, [this, f, blank](qint32 i) {
+        const QString v = trimmed(i, f);
+        return QVariant(v.isEmpty() ? blank : v);
+    });
+}
+
+void RowWriter::addBranch(const char* column, int f)
+{
+    if (present(f))
+        add(column, [this, f](qint32 i) { return QVariant(whole(i, f)); });
+    else
+        addFixed(column, qint64(0));
+}
+
+void RowWriter::planColumns()
+{
     switch (m_list.table) {
     case RecordTable::Vehicles:
-        setIfPresent(rs, "VehicleNumber", i, VeNumber);
-        set(rs, "VINNumber", present(VeVINNumber) ? trimmed(i, VeVINNumber) : QStringLiteral("0"));
-        if (present(VeLicenseNumber))
-            set(rs, "LicenseNumber", trimmed(i, VeLicenseNumber));
-        set(rs, "BranchNumber", present(VeBranchNumber) ? whole(i, VeBranchNumber) : qint64(0));
-        set(rs, "DateAcquired", m_today);
-        setIfPresent(rs, "Year", i, VeYear);
+        addIfPresent("VehicleNumber", VeNumber);
+        if (present(VeVINNumber))
+            addTrimmedIfPresent("VINNumber", VeVINNumber);
+        else
+            addFixed("VINNumber", QStringLiteral("0"));
+        addTrimmedIfPresent("LicenseNumber", VeLicenseNumber);
+        addBranch("BranchNumber", VeBranchNumber);
+        addFixed("DateAcquired", m_today);
+        addIfPresent("Year", VeYear);
         for (const auto& [column, field] : {std::pair{"Make", int(VeMake)}, std::pair{"Model", int(VeModel)},
                                             std::pair{"AccountingID", int(VeAccountingID)},
                                             std::pair{"TrackerSerialNumber", int(VeTrackerSerialNumber)},
                                             std::pair{"Field1", int(VeGroupID)}})
-            if (present(field))
-                set(rs, column, trimmed(i, field));
-        set(rs, "VehicleDescription", QStringLiteral("?"));
+            addTrimmedIfPresent(column, field);
+        addFixed("VehicleDescription", QStringLiteral("?"));
         break;
     case RecordTable::Employees:
-        setIfPresent(rs, "EmployeeNumber", i, EmNumber);
-        set(rs, "BranchNumber", present(EmBranchNumber) ? whole(i, EmBranchNumber) : qint64(0));
+        addIfPresent("EmployeeNumber", EmNumber);
+        addBranch("BranchNumber", EmBranchNumber);
         for (const auto& [column, field] : {std::pair{"AccountingID", int(EmAccountingID)},
                                             std::pair{"Address1", int(EmAddress1)}, std::pair{"Address2", int(EmAddress2)},
                                             std::pair{"City", int(EmCity)}, std::pair{"LastName", int(EmLastName)},
                                             std::pair{"MI", int(EmMI)}, std::pair{"FirstName", int(EmFirstName)},
                                             std::pair{"State", int(EmState)}})
-            setIfPresent(rs, column, i, field);
-        setDefaulted(rs, "Zip", i, EmZipCode, kBlankZip);
-        setDefaulted(rs, "MobilePhone", i, EmMobilePhone, kBlankPhone);
-        setDefaulted(rs, "WorkPhone", i, EmWorkPhone, kBlankPhone);
-        setDefaulted(rs, "Phone", i, EmHomePhone, kBlankPhone);
-        set(rs, "Pager", kBlankPhone);
+            addIfPresent(column, field);
+        addDefaulted("Zip", EmZipCode, kBlankZip);
+        addDefaulted("MobilePhone", EmMobilePhone, kBlankPhone);
+        addDefaulted("WorkPhone", EmWorkPhone, kBlankPhone);
+        addDefaulted("Phone", EmHomePhone, kBlankPhone);
+        addFixed("Pager", kBlankPhone);
         break;
-    case RecordTable::Customers: {
-        setIfPresent(rs, "CustomerNumber", i, CuNumber);
-        setIfPresent(rs, "AccountingID", i, CuAccountingID);
-        set(rs, "BranchNumber", present(CuBranchNumber) ? whole(i, CuBranchNumber) : qint64(0));
+    case RecordTable::Customers:
+        addIfPresent("CustomerNumber", CuNumber);
+        addIfPresent("AccountingID", CuAccountingID);
+        addBranch("BranchNumber", CuBranchNumber);
         for (const auto& [column, field, width] :
              {std::tuple{"CompanyName", int(CuCompanyName), 30}, std::tuple{"Address1", int(CuAddress1), 30},
               std::tuple{"Address2", int(CuAddress2), 30}, std::tuple{"City", int(CuCity), 20},
               std::tuple{"ContactLastName", int(CuLastName), 30}, std::tuple{"ContactMI", int(CuMI), 1},
               std::tuple{"ContactFirstName", int(CuFirstName), 20}, std::tuple{"State", int(CuState), 2}})
-            setIfPresent(rs, column, i, field, width);
-        QString zip = present(CuZipCode) ? trimmed(i, CuZipCode) : QString();
-        if (zip.isEmpty())
-            zip = kBlankZip;
-        else if (zip.size() == 6 && zip.endsWith(QLatin1Char('-')))
-            zip += QStringLiteral("    ");
-        else
-            zip = zip.left(10);
-        set(rs, "Zip", zip);
-        setDefaulted(rs, "MobilePhone", i, CuMobilePhone, kBlankPhone);
-        setDefaulted(rs, "WorkPhone", i, CuWorkPhone, kBlankPhone);
-        setDefaulted(rs, "Pager", i, CuHomePhone, kBlankPhone);
+            addIfPresent(column, field, width);
+        add("Zip", [this](qint32 i) {
+            QString zip = present(CuZipCode) ? trimmed(i, CuZipCode) : QString();
+            if (zip.isEmpty())
+                zip = kBlankZip;
+            else if (zip.size() == 6 && zip.endsWith(QLatin1Char('-')))
+                zip += QStringLiteral("    ");
+            else
+                zip = zip.left(10);
+            return QVariant(zip);
+        });
+        addDefaulted("MobilePhone", CuMobilePhone, kBlankPhone);
+        addDefaulted("WorkPhone", CuWorkPhone, kBlankPhone);
+        addDefaulted("Pager", CuHomePhone, kBlankPhone);
         break;
-    }
     case RecordTable::Locations:
-        set(rs, "CommonLocationNumber",
-            qint64(m_db.MaxID_Value(QStringLiteral("CommonLocations"), QStringLiteral("CommonLocationNumber")).toDouble()));
-        set(rs, "BranchNumber", present(LoBranchNumber) ? whole(i, LoBranchNumber) : qint64(0));
-        if (present(LoName))
-            set(rs, "LocationName", trimmed(i, LoName));
+        // Asked afresh for each record, so rows of locations go in one at a time.
+        add("CommonLocationNumber", [this](qint32) {
+            return QVariant(qint64(
+                m_db.MaxID_Value(QStringLiteral("CommonLocations"), QStringLiteral("CommonLocationNumber")).toDouble()));
+        });
+        addBranch("BranchNumber", LoBranchNumber);
+        addTrimmedIfPresent("LocationName", LoName);
         for (const auto& [column, field] : {std::pair{"Address1", int(LoAddress1)}, std::pair{"Address2", int(LoAddress2)},
                                             std::pair{"City", int(LoCity)}, std::pair{"State", int(LoState)},
                                             std::pair{"zipcode", int(LoZipCode)}, std::pair{"Longitude", int(LoLongitude)},
                                             std::pair{"Latitude", int(LoLatitude)}})
-            setIfPresent(rs, column, i, field);
+            addIfPresent(column, field);
         break;
     }
-    if (m_ok && rs.update())
+}
+
+QVector<QVariant> RowWriter::row(qint32 i) const
+{
+    QVector<QVariant> out;
+    out.reserve(qsizetype(m_values.size()));
+    for (const Value& value : m_values)
+        out.append(value(i));
+    return out;
+}
+
+// Rows go to the database in batches inside groups: a group is one transaction, committed
+// once it has held the write lock for kImportGroupMs; only then is its progress told.
+class GroupedInsert {
+public:
+    GroupedInsert(cDAO& db, Feedback& fb, const RowWriter& writer, const QString& table, qint32 total)
+        : m_db(db), m_fb(fb), m_writer(writer), m_table(table), m_total(total)
+    {
+    }
+
+    qint32 committed() const { return m_committed; }
+    // Adds the rows of records from..to (from follows the last row added) to the open group,
+    // opening one when needed, and commits the group once it has been open long enough. On a
+    // failure the rows before the record at fault are committed, none from it on, the notice
+    // is given and false returned.
+    bool insert(qint32 from, qint32 to);
+    // Commits the open group; on failure all of it is undone and told.
+    bool commit();
+
+private:
+    bool insertRange(qint32 from, qint32 to);
+    bool begin();
+    // After a refused batch: the rows since the last commit are tried one at a time. Returns
+    // the first refused record (why then holds the reason), or to + 1 when every row went in
+    // (the group is then open again).
+    qint32 firstRefusedRow(qint32 to, QString& why);
+    // Undoes what is not committed and tells the record after the committed ones.
+    bool commitFailed();
+    bool failed(qint32 record, const QString& why);
+
+    cDAO& m_db;
+    Feedback& m_fb;
+    const RowWriter& m_writer;
+    QString m_table;
+    qint32 m_total;
+    qint32 m_committed = 0;   // rows made durable
+    qint32 m_inserted = 0;    // rows added, the open group's included
+    bool m_open = false;
+    QElapsedTimer m_heldFor;
+};
+
+bool GroupedInsert::insertRange(qint32 from, qint32 to)
+{
+    std::vector<QVector<QVariant>> rows;
+    rows.reserve(size_t(to - from + 1));
+    for (qint32 i = from; i <= to; ++i)
+        rows.push_back(m_writer.row(i));
+    return m_db.InsertRows(m_table, m_writer.columns(), rows);
+}
+
+bool GroupedInsert::begin()
+{
+    if (!m_db.BeginWriteTrans())
+        return false;
+    m_open = true;
+    m_heldFor.start();
+    return true;
+}
+
+bool GroupedInsert::insert(qint32 from, qint32 to)
+{
+    if (!m_open && !begin())
+        return failed(from, m_db.errorText);
+    if (insertRange(from, to)) {
+        m_inserted = to;
+    } else {
+        // Which row was refused is not told, and PostgreSQL has spoilt the group: it is undone
+        // and its rows are tried again one at a time to find the record at fault.
+        QString why = m_db.errorText;
+        m_db.Rollback();
+        m_open = false;
+        m_inserted = m_committed;
+        const qint32 bad = firstRefusedRow(to, why);
+        if (bad <= to) {
+            if (bad > m_committed + 1) {
+                if (!begin() || !insertRange(m_committed + 1, bad - 1))
+                    return commitFailed();
+                m_inserted = bad - 1;
+                if (!commit())
+                    return false;
+            }
+            return failed(bad, why);
+        }
+    }
+    if (m_heldFor.elapsed() < kImportGroupMs)
         return true;
-    m_error = rs.lastErrorText();
-    rs.cancelUpdate();
+    if (!commit())
+        return false;
+    // SQLite has no queue for its lock: another program polls for it on its own schedule
+    // and needs it free for a moment to get in. The server's row locks need no such gap.
+    if (!m_db.isPostgres())
+        QThread::msleep(kImportGapMs);
+    return true;
+}
+
+qint32 GroupedInsert::firstRefusedRow(qint32 to, QString& why)
+{
+    const qint32 from = m_committed + 1;
+    if (!begin()) {
+        why = m_db.errorText;
+        return from;
+    }
+    for (qint32 i = from; i <= to; ++i)
+        if (!insertRange(i, i)) {
+            why = m_db.errorText;
+            m_db.Rollback();
+            m_open = false;
+            return i;
+        }
+    m_inserted = to;
+    return to + 1;
+}
+
+bool GroupedInsert::commit()
+{
+    if (!m_open)
+        return true;
+    m_open = false;
+    if (!m_db.CommitTrans())
+        return commitFailed();
+    m_committed = m_inserted;
+    m_fb.progress(m_committed, m_total);
+    return true;
+}
+
+bool GroupedInsert::commitFailed()
+{
+    const QString why = m_db.errorText;
+    m_db.Rollback();
+    m_open = false;
+    m_inserted = m_committed;
+    return failed(m_committed + 1, why);
+}
+
+bool GroupedInsert::failed(qint32 record, const QString& why)
+{
+    m_fb.message(1, QStringLiteral("Record # ") + QString::number(record) + QStringLiteral(" could not be saved: ") +
+                        why + doneLine(record),
+                 kBoxTitle);
     return false;
 }
 
@@ -320,81 +527,30 @@ ImportWriteResult WriteImportedRecords(cDAO& db, Feedback& fb, ImportRecordList&
     if (n <= 0 || !duplicatePass(db, fb, list))
         return out;
 
-    const QString table = tableInfo(list.table).table;
-    const QString select = QStringLiteral("Select top 1 * from ") + table;
-    RecordsetPtr rs = db.RecSet_Dyn(select);
-    if (!rs) {
-        fb.message(1, QStringLiteral("Cannot open ") + table + QStringLiteral(": ") + db.errorText, kBoxTitle);
-        return out;
-    }
-    RowWriter writer(db, list);
-
-    // Rows since the last commit; a group is committed when it has been open for a while,
-    // and always before the user is told anything.
-    qint32 groupStart = 1;
-    bool inGroup = false;
-    QElapsedTimer open;
-    const auto commit = [&](qint32 upTo) {
-        if (inGroup && db.CommitTrans()) {
-            out.written = upTo;
-            fb.progress(upTo, n);
-        } else if (inGroup) {
-            db.Rollback();
-        }
-        inGroup = false;
-    };
+    const RowWriter writer(db, list);
+    GroupedInsert inserter(db, fb, writer, tableInfo(list.table).table, n);
+    const qint32 batch = list.table == RecordTable::Locations ? 1 : kImportBatchRows;
+    qint32 from = 1;   // first record not yet given to the database
     for (qint32 i = 1; i <= n; ++i) {
-        if (!inGroup) {
-            inGroup = db.BeginTrans();
-            groupStart = i;
-            open.start();
-        }
         const QString refusal = writer.refusal(i);
         if (!refusal.isEmpty()) {
-            commit(i - 1);
-            db.RS_Close(rs);
-            fb.message(0, refusal, kBoxTitle);
+            // Everything before the refused record is written, and committed before the notice.
+            if ((from == i || inserter.insert(from, i - 1)) && inserter.commit())
+                fb.message(0, refusal, kBoxTitle);
+            out.written = inserter.committed();
             return out;
         }
-        if (!writer.add(*rs, i)) {
-            // A failed row may have spoilt the open group (PostgreSQL aborts it): the group is
-            // undone and its earlier rows are written again, each on its own.
-            const QString why = writer.error();
-            if (inGroup) {
-                db.Rollback();
-                inGroup = false;
-                for (qint32 j = groupStart; j < i; ++j)
-                    if (!writer.add(*rs, j)) {
-                        i = j;
-                        break;
-                    }
-                out.written = i - 1;
-            }
-            db.RS_Close(rs);
-            fb.message(1, QStringLiteral("Record # ") + QString::number(i) + QStringLiteral(" could not be saved: ") +
-                              why + doneLine(i),
-                       kBoxTitle);
-            return out;
-        }
-        if (!inGroup)
-            out.written = i;
-        else if (open.elapsed() >= kImportGroupMs) {
-            commit(i);
-            QThread::msleep(kImportGapMs);
-            // The dynaset keeps every row added to it; a fresh one per group keeps memory flat.
-            db.RS_Close(rs);
-            rs = db.RecSet_Dyn(select);
-            if (!rs) {
-                fb.message(1, QStringLiteral("Cannot open ") + table + QStringLiteral(": ") + db.errorText +
-                                  doneLine(i + 1),
-                           kBoxTitle);
+        if (i - from + 1 >= batch || i == n) {
+            if (!inserter.insert(from, i)) {
+                out.written = inserter.committed();
                 return out;
             }
+            from = i + 1;
         }
     }
-    commit(n);
-    db.RS_Close(rs);
-    if (out.written != n)
+    const bool committed = inserter.commit();
+    out.written = inserter.committed();
+    if (!committed || out.written != n)
         return out;
     list.lastRecord = 0;
     out.result = 0;

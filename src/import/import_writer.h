@@ -22,6 +22,10 @@ constexpr int kImportGroupMs = 50;
 // retries on its own schedule and would miss a lock that is free only for a moment.
 constexpr int kImportGapMs = 25;
 
+// Rows given to the database in one call: enough to make a call's cost small per row, few
+// enough that a group's time is measured finely.
+constexpr int kImportBatchRows = 250;
+
 ImportWriteResult WriteImportedRecords(cDAO& db, Feedback& feedback, ImportRecordList& list);
 
 // Today as the eight digits YYYYMMDD that DateAcquired takes.

@@ -183,8 +183,9 @@ TYPED_TEST(ImportWrite, HostileTextIsStoredAsItStands)
     EXPECT_EQ(this->count("EmployeeInfo"), 3);
 }
 
-// A row the database refuses (here a trigger) stops the import there, the rows before it
-// written; on PostgreSQL the failed row spoils the open commit group, which is written again.
+// A row the database refuses (here a trigger) stops the import there with every row before it
+// written and none after, wherever it falls: in the first batch, or batches into a group that
+// is not committed yet (which PostgreSQL then spoils, so its earlier rows are written again).
 TYPED_TEST(ImportWrite, ARowTheDatabaseRefusesStopsTheImportThere)
 {
     if (TypeParam::kPostgres) {
@@ -196,14 +197,46 @@ TYPED_TEST(ImportWrite, ARowTheDatabaseRefusesStopsTheImportThere)
                       "BEGIN SELECT RAISE(ABORT, 'boom'); END");
     }
     ASSERT_EQ(this->db.appError, 0) << this->db.errorText.toStdString();
+    for (const qint32 bad : {3, kImportBatchRows * 2 + 17}) {
+        SCOPED_TRACE(bad);
+        this->db.Exec("DELETE FROM EmployeeInfo WHERE EmployeeNumber >= 1000");
+        QByteArray file = kEmployees;
+        for (qint32 i = 1; i <= bad + 5; ++i)
+            file += QByteArray::number(999 + i) + (i == bad ? ",Boom,Cy,1\n" : ",Lee,Ann,1\n");
+        this->feedback.shown.clear();
+        this->choose(ImportDataType::Employees);
+        const ImportWriteOutcome out = this->scanAndWrite(file);
+        EXPECT_EQ(out.result, -1);
+        EXPECT_EQ(out.written, bad - 1);
+        ASSERT_EQ(this->feedback.messages().size(), 1);
+        EXPECT_TRUE(this->feedback.messages()[0].startsWith(QStringLiteral("Record # %1 could not be saved: ").arg(bad)));
+        EXPECT_TRUE(this->feedback.messages()[0].endsWith(
+            QStringLiteral("\r\n%1 record(s) processed successfully.").arg(bad - 1)));
+        EXPECT_EQ(this->rows("SELECT count(*), min(EmployeeNumber), max(EmployeeNumber) FROM EmployeeInfo "
+                             "WHERE EmployeeNumber >= 1000"),
+                  QStringLiteral("%1|1000|%2").arg(bad - 1).arg(998 + bad));
+    }
+}
+
+// A group the database refuses at its commit (a deferred check on the server) is undone as a
+// whole: the notice names its first record and nothing of it is left.
+TYPED_TEST(ImportWrite, AGroupRefusedAtItsCommitIsUndoneAndTold)
+{
+    if (!TypeParam::kPostgres)
+        GTEST_SKIP() << "SQLite checks every row when it is added";
+    this->db.Exec("CREATE FUNCTION refuse_late() RETURNS trigger AS $$ BEGIN IF NEW.lastname = 'Late' THEN "
+                  "RAISE EXCEPTION 'late'; END IF; RETURN NULL; END $$ LANGUAGE plpgsql");
+    this->db.Exec("CREATE CONSTRAINT TRIGGER late AFTER INSERT ON employeeinfo DEFERRABLE INITIALLY DEFERRED "
+                  "FOR EACH ROW EXECUTE FUNCTION refuse_late()");
+    ASSERT_EQ(this->db.appError, 0) << this->db.errorText.toStdString();
     this->choose(ImportDataType::Employees);
-    const ImportWriteOutcome out = this->scanAndWrite(kEmployees + "80,Lee,Ann,1\n81,Kim,Bo,1\n82,Boom,Cy,1\n83,Ray,Di,1\n");
+    const ImportWriteOutcome out = this->scanAndWrite(kEmployees + "80,Lee,Ann,1\n81,Late,Bo,1\n82,Ray,Di,1\n");
     EXPECT_EQ(out.result, -1);
-    EXPECT_EQ(out.written, 2);
+    EXPECT_EQ(out.written, 0);
     ASSERT_EQ(this->feedback.messages().size(), 1);
-    EXPECT_TRUE(this->feedback.messages()[0].startsWith("Record # 3 could not be saved: "));
-    EXPECT_TRUE(this->feedback.messages()[0].endsWith("\r\n2 record(s) processed successfully."));
-    EXPECT_EQ(this->rows("SELECT EmployeeNumber FROM EmployeeInfo WHERE EmployeeNumber >= 80 ORDER BY 1"), "80\n81");
+    EXPECT_TRUE(this->feedback.messages()[0].startsWith("Record # 1 could not be saved: "));
+    EXPECT_TRUE(this->feedback.messages()[0].contains("late"));
+    EXPECT_EQ(this->rows("SELECT count(*) FROM EmployeeInfo WHERE EmployeeNumber >= 80"), "0");
 }
 
 TYPED_TEST(ImportWrite, NothingScannedIsAnError)
