@@ -5,6 +5,8 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <initializer_list>
+
 namespace tp {
 
 namespace {
@@ -168,6 +170,16 @@ bool CheckPhoneField(QString& phone)
         return true;
     if (phone.size() != 14)
         return false;
+    // The usual case, ten digits in their places, needs no piece copied.
+    const auto digitsAt = [&phone](std::initializer_list<qsizetype> from, qsizetype count) {
+        for (const qsizetype b : from)
+            for (qsizetype k = b; k < b + count; ++k)
+                if (phone.at(k) < QLatin1Char('0') || phone.at(k) > QLatin1Char('9'))
+                    return false;
+        return true;
+    };
+    if (digitsAt({1, 6}, 3) && digitsAt({10}, 4))
+        return true;
     const QString area = mid(phone, 2, 3);
     const QString exchange = mid(phone, 7, 3);
     const QString number = mid(phone, 11, 4);

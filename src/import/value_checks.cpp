@@ -4,6 +4,7 @@
 #include "foundation/dao.h"
 
 #include <cfenv>
+#include <charconv>
 #include <cmath>
 
 namespace tp {
@@ -20,8 +21,13 @@ bool isDigit(QChar c)
 // Characters allowed below "0" by the Characters check.
 bool allowedPunctuation(QChar c)
 {
-    static const QString allowed = QStringLiteral(" !\"#%'()*-./");
-    return allowed.contains(c);
+    switch (c.unicode()) {
+    case ' ': case '!': case '"': case '#': case '%': case '\'': case '(': case ')': case '*': case '-': case '.':
+    case '/':
+        return true;
+    default:
+        return false;
+    }
 }
 
 const QString kZipFormats = QStringLiteral(
@@ -66,9 +72,21 @@ std::optional<double> toNumber(const QString& text)
 {
     if (!isNumeric(text))
         return std::nullopt;
-    bool ok = false;
-    const double v = TrimBlanks(text).toDouble(&ok);
-    if (!ok || !std::isfinite(v))
+    // Only sign, digits, point and exponent are left, all ASCII.
+    char buffer[64];
+    const QString t = TrimBlanks(text);
+    qsizetype from = t.startsWith(QLatin1Char('+')) ? 1 : 0;
+    const qsizetype n = t.size() - from;
+    if (n > qsizetype(sizeof buffer)) {
+        bool ok = false;
+        const double v = t.toDouble(&ok);
+        return ok && std::isfinite(v) ? std::optional<double>(v) : std::nullopt;
+    }
+    for (qsizetype k = 0; k < n; ++k)
+        buffer[k] = char(t.at(from + k).unicode());
+    double v = 0;
+    const auto [end, error] = std::from_chars(buffer, buffer + n, v);
+    if (error != std::errc() || end != buffer + n || !std::isfinite(v))
         return std::nullopt;
     return v;
 }
@@ -89,11 +107,14 @@ std::optional<qint32> toWholeNumber(const QString& text)
 
 bool isQuoted(QString& value)
 {
-    value = TrimBlanks(value);
+    if (value.startsWith(QLatin1Char(' ')) || value.endsWith(QLatin1Char(' ')))
+        value = TrimBlanks(value);
     if (value.isEmpty())
         return false;
+    // Read through a const view: the value's text is often shared, and writing access would copy it.
+    const QStringView v(value);
     const auto quote = [](QChar c) { return c == QLatin1Char('"') || c == QLatin1Char('\''); };
-    return quote(value.front()) || quote(value.back());
+    return quote(v.front()) || quote(v.back());
 }
 
 namespace {
@@ -183,24 +204,36 @@ qint16 StateCode(const QString& value, const QString& name, qint16 code, ScanSta
     return Capitals(value, name, 2, code, s);
 }
 
-qint16 NonNegativeNumber(QString& value, const QString& name, qint16 code, ScanState& s)
+namespace {
+
+qint16 nonNegative(QString& value, const QString& name, qint16 code, ScanState& s, double& number)
 {
     s.fieldText = name;
     s.foundValue = value;
-    if (isQuoted(value) || !isNumeric(value) || value.size() > 9)
+    if (isQuoted(value) || value.size() > 9)
         return code;
     const std::optional<double> v = toNumber(value);
     if (!v || *v < 0)
         return code;
+    number = *v;
     return ScanOk;
+}
+
+} // namespace
+
+qint16 NonNegativeNumber(QString& value, const QString& name, qint16 code, ScanState& s)
+{
+    double number = 0;
+    return nonNegative(value, name, code, s, number);
 }
 
 qint16 PositiveNumber(QString& value, const QString& name, qint16 code, ScanState& s)
 {
-    const qint16 r = NonNegativeNumber(value, name, code, s);
+    double number = 0;
+    const qint16 r = nonNegative(value, name, code, s, number);
     if (r != ScanOk)
         return r;
-    return toNumber(value).value_or(0) == 0 ? code : qint16(ScanOk);
+    return number == 0 ? code : qint16(ScanOk);
 }
 
 qint16 Length(QString& value, const QString& name, int max, qint16 code, ScanState& s)
@@ -257,6 +290,17 @@ bool ZipCode(QString& value, ScanState& s)
         return false;
     };
     const QString v = padOrCut(value, 10);
+    // The usual forms, five digits with or without a dash and four digits, copy nothing.
+    const auto digits = [&v](qsizetype from, qsizetype count) {
+        for (qsizetype k = from; k < from + count; ++k)
+            if (!isDigit(v.at(k)))
+                return false;
+        return true;
+    };
+    if (digits(0, 5) && v.at(5) == QLatin1Char('-') && digits(6, 4)) {
+        value = v;
+        return true;
+    }
     const QString first = v.left(5);
     const QString firstTrimmed = TrimBlanks(first);
     if (firstTrimmed.size() != 5 || !isNumeric(firstTrimmed))
