@@ -130,7 +130,14 @@ int main(int argc, char** argv)
         std::fprintf(stderr, "cannot connect: %s\n", qPrintable(db.errorText));
         return 1;
     }
-    tp::ScriptedFeedback feedback;
+    struct CountingFeedback : tp::ScriptedFeedback {
+        int commits = 0;
+        void progress(qint64 done, qint64 total) override
+        {
+            ++commits;
+            tp::ScriptedFeedback::progress(done, total);
+        }
+    } feedback;
     feedback.defaultYes = true;
     tp::ImportSession session(db, feedback);
     Neighbour neighbour;
@@ -169,8 +176,8 @@ int main(int argc, char** argv)
         return 1;
     }
 
-    std::printf("employees=%d scan=%.3fs write=%.3fs rows committed=%d\n", kEmployees, scanSeconds,
-                oursSeconds - scanSeconds, written.written);
+    std::printf("employees=%d scan=%.3fs write=%.3fs rows committed=%d in %d groups\n", kEmployees, scanSeconds,
+                oursSeconds - scanSeconds, written.written, feedback.commits);
     std::printf("another connection meanwhile: %d writes and reads, %d failed, longest write %.0f ms, "
                 "longest read %.0f ms\n",
                 neighbour.writes, neighbour.failures, neighbour.longestWrite, neighbour.longestRead);
