@@ -78,7 +78,8 @@ void frmImport::buildControls()
     m_fields = new ui::GridAdapter(fpFields);
     m_fields->setMaxCols(5);
     const char* titles[] = {"Chck Field", "Field Name", "Data Type", "Max Length", "Format"};
-    const int widths[] = {8, 18, 8, 9, 30};
+    // The last column stretches over the rest; its own width is only its least.
+    const int widths[] = {8, 18, 8, 9, 24};
     for (int c = 1; c <= 5; ++c) {
         m_fields->setText(c, 0, QString::fromLatin1(titles[c - 1]));
         m_fields->setColWidth(c, widths[c - 1]);
