@@ -3,12 +3,11 @@
 #include "foundation/conversions.h"
 #include "foundation/dao.h"
 #include "foundation/feedback.h"
+#include "import/grouped_insert.h"
 #include "import/value_checks.h"
 
 #include <QDate>
-#include <QElapsedTimer>
 #include <QSet>
-#include <QThread>
 
 #include <cmath>
 #include <functional>
@@ -18,7 +17,6 @@ namespace tp {
 namespace {
 
 const QString kCr = QStringLiteral("\r");
-const QString kCrLf = QStringLiteral("\r\n");
 const QString kBlankZip = QStringLiteral("     -    ");
 const QString kBlankPhone = QStringLiteral("(   )    -    ");
 
@@ -149,12 +147,6 @@ bool duplicatePass(cDAO& db, Feedback& fb, ImportRecordList& list)
     return true;
 }
 
-QString doneLine(qint32 i, bool twoBlanks = false)
-{
-    return kCrLf + QString::number(i - 1) +
-           (twoBlanks ? QStringLiteral("  record(s) processed successfully.")
-                      : QStringLiteral(" record(s) processed successfully."));
-}
 
 // The row a record becomes: the columns are decided once from the presence markers, and
 // each record gives a value per column.
@@ -208,27 +200,27 @@ QString RowWriter::refusal(qint32 i) const
     case RecordTable::Vehicles:
         if (!branchOk(i, VeBranchNumber))
             return QStringLiteral("BranchNumber = ") + branchText(i, VeBranchNumber) + QStringLiteral("  in record # ") +
-                   rec + QStringLiteral(" is not a valid entry in the database.") + doneLine(i, true);
+                   rec + QStringLiteral(" is not a valid entry in the database.") + ImportDoneLine(i, true);
         return QString();
     case RecordTable::Employees:
         if (!branchOk(i, EmBranchNumber))
             return QStringLiteral("BranchNumber = ") + branchText(i, EmBranchNumber) + QStringLiteral(" in record # ") +
-                   rec + QStringLiteral(" is not a valid entry in the database.") + doneLine(i);
+                   rec + QStringLiteral(" is not a valid entry in the database.") + ImportDoneLine(i);
         for (const auto& [field, label] : {std::pair{int(EmLastName), "LastName = ''"}, std::pair{int(EmFirstName), "FirstName = ''"}})
             if (present(field) && trimmed(i, field).isEmpty())
                 return QLatin1String(label) + text(i, field) + QStringLiteral("''  in record # ") + rec +
-                       QStringLiteral(" can not be an empty field.") + doneLine(i);
+                       QStringLiteral(" can not be an empty field.") + ImportDoneLine(i);
         return QString();
     case RecordTable::Customers:
         if (!branchOk(i, CuBranchNumber))
             return QStringLiteral("BranchNumber = ") + branchText(i, CuBranchNumber) +
-                   QStringLiteral(" is not a valid entry in the database.") + doneLine(i);
+                   QStringLiteral(" is not a valid entry in the database.") + ImportDoneLine(i);
         for (const auto& [field, label] : {std::pair{int(CuCompanyName), "CompanyName  = ''"},
                                            std::pair{int(CuLastName), "LastName  = ''"},
                                            std::pair{int(CuFirstName), "FirstName  = ''"}})
             if (present(field) && trimmed(i, field).isEmpty())
                 return QLatin1String(label) + text(i, field) + QStringLiteral("''  in record # ") + rec +
-                       QStringLiteral("  can not be an empty field.") + doneLine(i);
+                       QStringLiteral("  can not be an empty field.") + ImportDoneLine(i);
         return QString();
     case RecordTable::Locations: break;
     }
@@ -372,148 +364,14 @@ QVector<QVariant> RowWriter::row(qint32 i) const
     return out;
 }
 
-// Rows go to the database in batches inside groups: a group is one transaction, committed
-// once it has held the write lock for kImportGroupMs; only then is its progress told.
-class GroupedInsert {
-public:
-    GroupedInsert(cDAO& db, Feedback& fb, const RowWriter& writer, const QString& table, qint32 total)
-        : m_db(db), m_fb(fb), m_writer(writer), m_table(table), m_total(total)
-    {
-    }
-
-    qint32 committed() const { return m_committed; }
-    // Adds the rows of records from..to (from follows the last row added) to the open group,
-    // opening one when needed, and commits the group once it has been open long enough. On a
-    // failure the rows before the record at fault are committed, none from it on, the notice
-    // is given and false returned.
-    bool insert(qint32 from, qint32 to);
-    // Commits the open group; on failure all of it is undone and told.
-    bool commit();
-
-private:
-    bool insertRange(qint32 from, qint32 to);
-    bool begin();
-    // After a refused batch: the rows since the last commit are tried one at a time. Returns
-    // the first refused record (why then holds the reason), or to + 1 when every row went in
-    // (the group is then open again).
-    qint32 firstRefusedRow(qint32 to, QString& why);
-    // Undoes what is not committed and tells the record after the committed ones.
-    bool commitFailed();
-    bool failed(qint32 record, const QString& why);
-
-    cDAO& m_db;
-    Feedback& m_fb;
-    const RowWriter& m_writer;
-    QString m_table;
-    qint32 m_total;
-    qint32 m_committed = 0;   // rows made durable
-    qint32 m_inserted = 0;    // rows added, the open group's included
-    bool m_open = false;
-    QElapsedTimer m_heldFor;
-};
-
-bool GroupedInsert::insertRange(qint32 from, qint32 to)
-{
-    std::vector<QVector<QVariant>> rows;
-    rows.reserve(size_t(to - from + 1));
-    for (qint32 i = from; i <= to; ++i)
-        rows.push_back(m_writer.row(i));
-    return m_db.InsertRows(m_table, m_writer.columns(), rows);
-}
-
-bool GroupedInsert::begin()
-{
-    if (!m_db.BeginWriteTrans())
-        return false;
-    m_open = true;
-    m_heldFor.start();
-    return true;
-}
-
-bool GroupedInsert::insert(qint32 from, qint32 to)
-{
-    if (!m_open && !begin())
-        return failed(from, m_db.errorText);
-    if (insertRange(from, to)) {
-        m_inserted = to;
-    } else {
-        // Which row was refused is not told, and PostgreSQL has spoilt the group: it is undone
-        // and its rows are tried again one at a time to find the record at fault.
-        QString why = m_db.errorText;
-        m_db.Rollback();
-        m_open = false;
-        m_inserted = m_committed;
-        const qint32 bad = firstRefusedRow(to, why);
-        if (bad <= to) {
-            if (bad > m_committed + 1) {
-                if (!begin() || !insertRange(m_committed + 1, bad - 1))
-                    return commitFailed();
-                m_inserted = bad - 1;
-                if (!commit())
-                    return false;
-            }
-            return failed(bad, why);
-        }
-    }
-    if (m_heldFor.elapsed() < kImportGroupMs)
-        return true;
-    if (!commit())
-        return false;
-    // SQLite has no queue for its lock: another program polls for it on its own schedule
-    // and needs it free for a moment to get in. The server's row locks need no such gap.
-    if (!m_db.isPostgres())
-        QThread::msleep(kImportGapMs);
-    return true;
-}
-
-qint32 GroupedInsert::firstRefusedRow(qint32 to, QString& why)
-{
-    const qint32 from = m_committed + 1;
-    if (!begin()) {
-        why = m_db.errorText;
-        return from;
-    }
-    for (qint32 i = from; i <= to; ++i)
-        if (!insertRange(i, i)) {
-            why = m_db.errorText;
-            m_db.Rollback();
-            m_open = false;
-            return i;
-        }
-    m_inserted = to;
-    return to + 1;
-}
-
-bool GroupedInsert::commit()
-{
-    if (!m_open)
-        return true;
-    m_open = false;
-    if (!m_db.CommitTrans())
-        return commitFailed();
-    m_committed = m_inserted;
-    m_fb.progress(m_committed, m_total);
-    return true;
-}
-
-bool GroupedInsert::commitFailed()
-{
-    const QString why = m_db.errorText;
-    m_db.Rollback();
-    m_open = false;
-    m_inserted = m_committed;
-    return failed(m_committed + 1, why);
-}
-
-bool GroupedInsert::failed(qint32 record, const QString& why)
-{
-    m_fb.message(1, QStringLiteral("Record # ") + QString::number(record) + QStringLiteral(" could not be saved: ") +
-                        why + doneLine(record),
-                 kBoxTitle);
-    return false;
-}
-
 } // namespace
+
+QString ImportDoneLine(qint32 record, bool twoBlanks)
+{
+    return QStringLiteral("\r\n") + QString::number(record - 1) +
+           (twoBlanks ? QStringLiteral("  record(s) processed successfully.")
+                      : QStringLiteral(" record(s) processed successfully."));
+}
 
 QString ImportDateAcquired()
 {
@@ -528,7 +386,8 @@ ImportWriteResult WriteImportedRecords(cDAO& db, Feedback& fb, ImportRecordList&
         return out;
 
     const RowWriter writer(db, list);
-    GroupedInsert inserter(db, fb, writer, tableInfo(list.table).table, n);
+    GroupedInsert inserter(db, fb, tableInfo(list.table).table, writer.columns(),
+                           [&writer](qint32 i) { return writer.row(i); }, n);
     const qint32 batch = list.table == RecordTable::Locations ? 1 : kImportBatchRows;
     qint32 from = 1;   // first record not yet given to the database
     for (qint32 i = 1; i <= n; ++i) {

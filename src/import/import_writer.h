@@ -15,18 +15,11 @@ struct ImportWriteResult {
     qint32 written = 0;    // rows committed
 };
 
-// Longest time a group of rows stays uncommitted, so that other users of the database wait
-// no longer than about that.
-constexpr int kImportGroupMs = 50;
-// Pause after each group before the next one: another program waiting for the write lock
-// retries on its own schedule and would miss a lock that is free only for a moment.
-constexpr int kImportGapMs = 25;
-
-// Rows given to the database in one call: enough to make a call's cost small per row, few
-// enough that a group's time is measured finely.
-constexpr int kImportBatchRows = 250;
-
 ImportWriteResult WriteImportedRecords(cDAO& db, Feedback& feedback, ImportRecordList& list);
+
+// The line that ends a notice about record `record`: CR LF and how many records before it
+// were processed (with two blanks before "record(s)" where the vehicle notice has them).
+QString ImportDoneLine(qint32 record, bool twoBlanks = false);
 
 // Today as the eight digits YYYYMMDD that DateAcquired takes.
 QString ImportDateAcquired();

@@ -1,5 +1,6 @@
 // Writing scanned imports on both engines: renumbering, refusals, clashes, write-time checks
 // that leave the earlier rows written, columns and their fixed defaults, hostile text.
+#include "import/grouped_insert.h"
 #include "import/import_writer.h"
 #include "import_fixture.h"
 
