@@ -22,12 +22,28 @@ install(DIRECTORY resources/hicolor DESTINATION ${CMAKE_INSTALL_DATADIR}/icons F
 install(FILES data/schema_sqlite.sql data/schema_postgres.sql DESTINATION ${TP_INSTALL_DATADIR})
 install(FILES data/examples/KRV.ini data/examples/lumtrek.ini DESTINATION ${TP_INSTALL_DATADIR}/examples)
 
-# The man pages name the installed version and folders.
+# The man pages name the installed version and folders. They, and the changelog, are
+# installed compressed as Debian wants them (gzip -n: no name or time inside, so a rebuild
+# gives the same bytes); configure_file makes CMake run again when a source changes.
+find_program(TP_GZIP gzip REQUIRED)
+function(tp_gzip_at_configure source target)
+  execute_process(COMMAND ${TP_GZIP} -9 -n -c ${source} OUTPUT_FILE ${target} RESULT_VARIABLE failed)
+  if(failed)
+    message(FATAL_ERROR "gzip could not compress ${source}")
+  endif()
+endfunction()
+
 set(TP_SHARED_FOLDER ${CMAKE_INSTALL_FULL_DATADIR}/tallyport)
-foreach(page tallyport.1 tallyport-batch.1)
+foreach(page tallyport.1 tallyport-batch.1 tallyport-demo-db.1)
   configure_file(man/${page}.in ${CMAKE_BINARY_DIR}/man/${page} @ONLY)
-  install(FILES ${CMAKE_BINARY_DIR}/man/${page} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  tp_gzip_at_configure(${CMAKE_BINARY_DIR}/man/${page} ${CMAKE_BINARY_DIR}/man/${page}.gz)
+  install(FILES ${CMAKE_BINARY_DIR}/man/${page}.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 endforeach()
+
+configure_file(packaging/changelog.in ${CMAKE_BINARY_DIR}/packaging/changelog @ONLY)
+tp_gzip_at_configure(${CMAKE_BINARY_DIR}/packaging/changelog ${CMAKE_BINARY_DIR}/packaging/changelog.gz)
+install(FILES packaging/copyright ${CMAKE_BINARY_DIR}/packaging/changelog.gz
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/tallyport)
 
 # Installs this build into a scratch folder and runs what was installed.
 if(TARGET tallyport-batch AND TARGET tallyport-demo-db)

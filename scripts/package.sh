@@ -15,4 +15,8 @@ rm -f build-package/tallyport_*.deb
 (cd build-package && cpack -G DEB)
 debs=(build-package/tallyport_*.deb)
 [ -f "${debs[0]}" ] || { echo "package: cpack made no .deb" >&2; exit 1; }
+# Debian's checker, where installed (apt-get install lintian): any error or warning fails.
+if command -v lintian >/dev/null; then
+    lintian --fail-on error,warning "${debs[0]}" >&2
+fi
 realpath "${debs[0]}"

@@ -2,7 +2,7 @@
 # Installs a build into a scratch prefix and checks what a user gets: the three programs run
 # from there (a demo database made by the installed generator, one export by the installed
 # batch tool with the installed example settings), the desktop entry, the icons and the man
-# pages (a groff or man warning fails).
+# pages (a groff or man warning fails), the copyright file and the changelog.
 #   check_install.sh CMAKE BUILD-DIR VERSION
 set -euo pipefail
 [ $# -eq 3 ] || { echo "usage: $0 CMAKE BUILD-DIR VERSION" >&2; exit 2; }
@@ -28,7 +28,8 @@ need groff
 # What is installed, and nothing more: no tests, no benchmarks.
 expected=(bin/tallyport bin/tallyport-batch bin/tallyport-demo-db
           share/applications/tallyport.desktop
-          share/man/man1/tallyport.1 share/man/man1/tallyport-batch.1
+          share/man/man1/tallyport.1.gz share/man/man1/tallyport-batch.1.gz share/man/man1/tallyport-demo-db.1.gz
+          share/doc/tallyport/copyright share/doc/tallyport/changelog.gz
           share/tallyport/schema_sqlite.sql share/tallyport/schema_postgres.sql
           share/tallyport/examples/KRV.ini share/tallyport/examples/lumtrek.ini)
 for size in 16 22 24 32 48 64 128 256; do
@@ -95,28 +96,40 @@ exec_program=$(sed -n 's/^Exec=\([^ ]*\).*/\1/p' "$desktop")
 icon=$(sed -n 's/^Icon=//p' "$desktop")
 [ -f "$prefix/share/icons/hicolor/48x48/apps/$icon.png" ] || fail "Icon names '$icon', not an installed icon"
 
-# Man pages render without a warning and name every option the programs know.
-for page in tallyport tallyport-batch; do
-    file=$prefix/share/man/man1/$page.1
-    warnings=$(MANWIDTH=80 man --warnings -l "$file" 2>&1 >/dev/null)
+# Man pages (compressed, as the package has them) render without a warning and name every
+# option the programs know.
+man_page() { gzip -dc "$prefix/share/man/man1/$1.1.gz"; }
+for page in tallyport tallyport-batch tallyport-demo-db; do
+    source=$(man_page "$page") || { fail "$page.1.gz is not a gzip file"; continue; }
+    warnings=$(MANWIDTH=80 man --warnings -l "$prefix/share/man/man1/$page.1.gz" 2>&1 >/dev/null)
     [ -z "$warnings" ] || fail "man warns about $page.1: $warnings"
-    warnings=$(groff -ww -man -z "$file" 2>&1)
+    warnings=$(groff -ww -man -z <<<"$source" 2>&1)
     [ -z "$warnings" ] || fail "groff warns about $page.1: $warnings"
-    for section in NAME SYNOPSIS DESCRIPTION OPTIONS "EXIT STATUS" ENVIRONMENT FILES EXAMPLES; do
-        grep -qx "\.SH \"\?$section\"\?" "$file" || fail "$page.1 has no $section section"
+    sections=(NAME SYNOPSIS DESCRIPTION OPTIONS "EXIT STATUS" EXAMPLES)
+    [ "$page" = tallyport-demo-db ] || sections+=(ENVIRONMENT FILES)
+    for section in "${sections[@]}"; do
+        grep -qx "\.SH \"\?$section\"\?" <<<"$source" || fail "$page.1 has no $section section"
     done
 done
-rendered=$(MANWIDTH=200 man -l "$prefix/share/man/man1/tallyport-batch.1" 2>/dev/null)
-for option in $("$prefix/bin/tallyport-batch" --help | grep -oE -- '--[a-z][a-z-]+' | sort -u); do
-    grep -qF -- "$option" <<<"$rendered" || fail "tallyport-batch.1 does not mention $option"
+for program in tallyport-batch tallyport-demo-db; do
+    rendered=$(MANWIDTH=200 man -l "$prefix/share/man/man1/$program.1.gz" 2>/dev/null)
+    for option in $("$prefix/bin/$program" --help | grep -oE -- '--[a-z][a-z-]+' | sort -u); do
+        [ "$option" = --help-all ] && continue   # Qt's own
+        grep -qF -- "$option" <<<"$rendered" || fail "$program.1 does not mention $option"
+    done
 done
+rendered=$(MANWIDTH=200 man -l "$prefix/share/man/man1/tallyport-batch.1.gz" 2>/dev/null)
 for needed in "30 2 * * *" TALLYPORT_SETTINGS_DIR XDG_CONFIG_HOME; do
     grep -qF -- "$needed" <<<"$rendered" || fail "tallyport-batch.1 does not mention $needed"
 done
-rendered=$(MANWIDTH=200 man -l "$prefix/share/man/man1/tallyport.1" 2>/dev/null)
+rendered=$(MANWIDTH=200 man -l "$prefix/share/man/man1/tallyport.1.gz" 2>/dev/null)
 for option in --launcher --screenshots TALLYPORT_SETTINGS_DIR; do
     grep -qF -- "$option" <<<"$rendered" || fail "tallyport.1 does not mention $option"
 done
+
+# The changelog's newest entry is this version (dpkg and lintian read it so).
+first=$(gzip -dc "$prefix/share/doc/tallyport/changelog.gz" | head -n 1)
+[[ "$first" == "tallyport ($version) "* ]] || fail "the changelog begins '$first', not version $version"
 
 if [ "$failures" -ne 0 ]; then
     echo "$failures check(s) failed" >&2
