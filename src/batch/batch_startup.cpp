@@ -48,7 +48,7 @@ QString startUpFailure(const QString& settingsFile)
     const QString absolute = QFileInfo(path).absoluteFilePath();
     if (!QFileInfo(path).isFile()) {
         QString where = QStringLiteral("a name with a folder part is used as it stands");
-        if (QFileInfo(settingsFile).fileName() == settingsFile && !settingsFile.contains(QLatin1Char('\\')))
+        if (IsBareSettingsName(settingsFile))
             where = QStringLiteral("a bare name is looked for in %1 ($TALLYPORT_SETTINGS_DIR, else "
                                    "$XDG_CONFIG_HOME/tallyport, else ~/.config/tallyport)")
                         .arg(QFileInfo(SettingsFolder()).absoluteFilePath());

@@ -47,17 +47,17 @@ QString trimProfile(const QString& s)
     return s.mid(b, e - b);
 }
 
-bool isBareName(const QString& fileName)
+} // namespace
+
+bool IsBareSettingsName(const QString& fileName)
 {
     return !fileName.contains(QLatin1Char('/')) && !fileName.contains(QLatin1Char('\\'))
            && !fileName.contains(QLatin1Char(':'));
 }
 
-} // namespace
-
 QString SettingsFilePath(const QString& fileName)
 {
-    if (!isBareName(fileName))
+    if (!IsBareSettingsName(fileName))
         return NativePath(fileName);
     QString folder = SettingsFolder();
     if (!folder.endsWith(QLatin1Char('/')) && !folder.endsWith(QLatin1Char('\\')))

@@ -13,6 +13,8 @@ QString SettingsFolder();
 // The full name under which a settings file is read: a bare name ("KRV.ini") in
 // SettingsFolder(), a name with a folder part as it stands.
 QString SettingsFilePath(const QString& fileName);
+// A name without a folder part: no "/", "\\" or drive colon ("C:KRV.ini" has one).
+bool IsBareSettingsName(const QString& fileName);
 
 // Reads one key. Returns "" on success (value set, maybe empty) or a status text
 // ("Invalid section name", "Invalid key name", "Invalid file spec", "Ini file was not found",

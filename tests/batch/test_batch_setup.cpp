@@ -97,6 +97,11 @@ TEST_F(BatchSetup, AMissingSettingsFileNamesItsFullPathAndWhereItWasLookedFor)
     const QString full = QDir(state.path()).filePath("etc/lumtrek.ini");
     const QString named = setupLine(runBatch(settings.path(), state.path(), full), "Failed to locate Primary Database Path!");
     EXPECT_EQ(named, "tallyport-batch: settings file " + full + " not found (a name with a folder part is used as it stands)");
+    // A drive colon is a folder part to the reader too: the name is taken from the working folder.
+    const QString drive = setupLine(runBatch(settings.path(), state.path(), "C:KRV.ini"),
+                                    "Failed to locate Primary Database Path!");
+    EXPECT_EQ(drive, "tallyport-batch: settings file " + QDir(state.path()).filePath("C:KRV.ini") +
+                         " not found (a name with a folder part is used as it stands)");
 
     // The file is there but lacks a key.
     ASSERT_TRUE(writeBytes(settingsFile("KRV.ini"), "[PRIMARY]\nField1=/srv/\n"));
