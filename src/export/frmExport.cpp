@@ -41,29 +41,10 @@ QTableWidget* grid(const char* name, QWidget* parent)
 } // namespace
 
 frmExport::frmExport(cDAO& db, QWidget* parent, Feedback* prompts, ui::FileDialog* dialogs)
-    : QDialog(parent),
-      m_feedback(std::make_unique<ui::QtFeedback>(this, nullptr, prompts ? prompts : &tp::feedback())),
-      m_session(db, *m_feedback)
+    : ui::SessionWindow(parent, prompts, QStringLiteral("frmExport"), QStringLiteral("Export")), m_session(db, *m_feedback)
 {
-    setObjectName(QStringLiteral("frmExport"));
-    setWindowTitle(QStringLiteral("Export"));
-    setWindowIcon(ui::programIcon());
-    setModal(true);
     buildControls();
-    m_status = std::make_unique<ui::StatusBarAdapter>(StatBar);
-    m_feedback->setStatusBar(m_status.get());
-    if (!dialogs) {
-        m_dialogsOwned = std::make_unique<ui::QtFileDialog>(this);
-        dialogs = m_dialogsOwned.get();
-    }
-    m_dialogs = dialogs;
-
-    try {
-        load();
-    } catch (const std::exception& e) {
-        // Nothing in the load is expected to throw; if it does, say so and keep the window.
-        ui::reportLoadFailure(*m_feedback, e);
-    }
+    start(StatBar, dialogs, [this] { load(); });
 }
 
 frmExport::~frmExport() = default;

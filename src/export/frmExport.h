@@ -4,12 +4,9 @@
 // selection, the calendar and the scan, frmExport_output.cpp the formats, the preview, the
 // file and the Cancel/Close button.
 #include "export/export_session.h"
-#include "ui/file_dialog.h"
 #include "ui/grid_adapter.h"
-#include "ui/qt_feedback.h"
-#include "ui/status_bar.h"
+#include "ui/session_window.h"
 
-#include <QDialog>
 #include <memory>
 
 class QLabel;
@@ -24,7 +21,7 @@ namespace tp {
 class cDAO;
 class Feedback;
 
-class frmExport : public QDialog {
+class frmExport : public ui::SessionWindow {
     Q_OBJECT
 public:
     // prompts: receives the window's messages and questions (null: the process-wide sink).
@@ -101,12 +98,7 @@ private:
     void applyCancelledControls();
     void setDateBoxesPicking(bool picking);
 
-    // Declared before the session, which reports through it.
-    std::unique_ptr<ui::QtFeedback> m_feedback;
     ExportSession m_session;
-    std::unique_ptr<ui::StatusBarAdapter> m_status;
-    std::unique_ptr<ui::FileDialog> m_dialogsOwned;
-    ui::FileDialog* m_dialogs = nullptr;
 
     // Controls, named as the window knows them.
     QListWidget* lstTables = nullptr;

@@ -22,28 +22,10 @@
 namespace tp {
 
 frmImport::frmImport(cDAO& db, QWidget* parent, Feedback* prompts, ui::FileDialog* dialogs)
-    : QDialog(parent),
-      m_feedback(std::make_unique<ui::QtFeedback>(this, nullptr, prompts ? prompts : &tp::feedback())),
-      m_session(db, *m_feedback)
+    : ui::SessionWindow(parent, prompts, QStringLiteral("frmImport"), QStringLiteral("Import")), m_session(db, *m_feedback)
 {
-    setObjectName(QStringLiteral("frmImport"));
-    setWindowTitle(QStringLiteral("Import"));
-    setWindowIcon(ui::programIcon());
-    setModal(true);
     buildControls();
-    m_status = std::make_unique<ui::StatusBarAdapter>(StatBar);
-    m_feedback->setStatusBar(m_status.get());
-    if (!dialogs) {
-        m_dialogsOwned = std::make_unique<ui::QtFileDialog>(this);
-        dialogs = m_dialogsOwned.get();
-    }
-    m_dialogs = dialogs;
-
-    try {
-        load();
-    } catch (const std::exception& e) {
-        ui::reportLoadFailure(*m_feedback, e);
-    }
+    start(StatBar, dialogs, [this] { load(); });
 }
 
 frmImport::~frmImport() = default;

@@ -4,12 +4,9 @@
 // frmImport_file.cpp the file choice, the scan, the import and the Cancel/Close button.
 // The session does the work; the window mirrors it into its widgets.
 #include "import/import_session.h"
-#include "ui/file_dialog.h"
 #include "ui/grid_adapter.h"
-#include "ui/qt_feedback.h"
-#include "ui/status_bar.h"
+#include "ui/session_window.h"
 
-#include <QDialog>
 #include <memory>
 
 class QLabel;
@@ -30,7 +27,7 @@ inline const QString kImportFileFilter = QStringLiteral("Text Files (*.txt)|*.tx
 inline const QString kCaptionCancel = QStringLiteral("Cancel");
 inline const QString kCaptionClose = QStringLiteral("&Close");
 
-class frmImport : public QDialog {
+class frmImport : public ui::SessionWindow {
     Q_OBJECT
 public:
     // prompts: receives the window's messages and questions (null: the process-wide sink).
@@ -86,12 +83,7 @@ private:
     void hideFileControls(bool clearTexts);
     void showFormat();
 
-    // Declared before the session, which reports through it.
-    std::unique_ptr<ui::QtFeedback> m_feedback;
     ImportSession m_session;
-    std::unique_ptr<ui::StatusBarAdapter> m_status;
-    std::unique_ptr<ui::FileDialog> m_dialogsOwned;
-    ui::FileDialog* m_dialogs = nullptr;
 
     // Controls, named as the window knows them.
     QListWidget* lstTables = nullptr;

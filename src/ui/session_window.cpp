@@ -1,0 +1,37 @@
+#include "ui/session_window.h"
+
+#include "foundation/feedback.h"
+#include "ui/window_support.h"
+
+#include <exception>
+
+namespace tp::ui {
+
+SessionWindow::SessionWindow(QWidget* parent, Feedback* prompts, const QString& objectName, const QString& title)
+    : QDialog(parent), m_feedback(std::make_unique<QtFeedback>(this, nullptr, prompts ? prompts : &tp::feedback()))
+{
+    setObjectName(objectName);
+    setWindowTitle(title);
+    setWindowIcon(programIcon());
+    setModal(true);
+}
+
+SessionWindow::~SessionWindow() = default;
+
+void SessionWindow::start(QStatusBar* bar, FileDialog* dialogs, const std::function<void()>& load)
+{
+    m_status = std::make_unique<StatusBarAdapter>(bar);
+    m_feedback->setStatusBar(m_status.get());
+    if (!dialogs) {
+        m_dialogsOwned = std::make_unique<QtFileDialog>(this);
+        dialogs = m_dialogsOwned.get();
+    }
+    m_dialogs = dialogs;
+    try {
+        load();
+    } catch (const std::exception& e) {
+        reportLoadFailure(*m_feedback, e);
+    }
+}
+
+} // namespace tp::ui
