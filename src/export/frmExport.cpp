@@ -212,28 +212,9 @@ bool frmExport::eventFilter(QObject* watched, QEvent* event)
 {
     if (dateBoxEvent(watched, event))
         return true;
-    if (watched == lstTables && event->type() == QEvent::KeyPress) {
-        const int key = static_cast<QKeyEvent*>(event)->key();
-        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
-            SelectDataSet();
-            return true;
-        }
-    }
-    if (watched == lstTables->viewport() && event->type() == QEvent::MouseButtonRelease) {
-        // Let the list take the click first, then choose what it selected.
-        lstTables->viewport()->removeEventFilter(this);
-        QCoreApplication::sendEvent(watched, event);
-        lstTables->viewport()->installEventFilter(this);
-        SelectDataSet();
+    if (dataSetListEvent(lstTables, watched, event, [this] { SelectDataSet(); }))
         return true;
-    }
     return QDialog::eventFilter(watched, event);
-}
-
-void frmExport::done(int result)
-{
-    m_feedback->busy(false);
-    QDialog::done(result);
 }
 
 } // namespace tp

@@ -7,7 +7,6 @@
 #include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QHeaderView>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -202,21 +201,8 @@ void frmImport::showFormat()
 
 bool frmImport::eventFilter(QObject* watched, QEvent* event)
 {
-    if (watched == lstTables && event->type() == QEvent::KeyPress) {
-        const int key = static_cast<QKeyEvent*>(event)->key();
-        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
-            SelectDataSet();
-            return true;
-        }
-    }
-    if (watched == lstTables->viewport() && event->type() == QEvent::MouseButtonRelease) {
-        // Let the list take the click first, then choose what it highlighted.
-        lstTables->viewport()->removeEventFilter(this);
-        QCoreApplication::sendEvent(watched, event);
-        lstTables->viewport()->installEventFilter(this);
-        SelectDataSet();
+    if (dataSetListEvent(lstTables, watched, event, [this] { SelectDataSet(); }))
         return true;
-    }
     if ((watched == txtPath || watched == txtName) && event->type() == QEvent::MouseButtonRelease) {
         GetFile();
         return true;
@@ -230,12 +216,6 @@ void frmImport::showEvent(QShowEvent* event)
     // Nothing to offer: the window goes as soon as it comes up.
     if (m_offeredCount == 0)
         QTimer::singleShot(0, this, [this] { reject(); });
-}
-
-void frmImport::done(int result)
-{
-    m_feedback->busy(false);
-    QDialog::done(result);
 }
 
 } // namespace tp

@@ -67,7 +67,6 @@ public:
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
     void showEvent(QShowEvent* event) override;
-    void done(int result) override;
 
 private:
     void buildControls();

@@ -3,6 +3,10 @@
 #include "foundation/feedback.h"
 #include "ui/window_support.h"
 
+#include <QCoreApplication>
+#include <QKeyEvent>
+#include <QListWidget>
+
 #include <exception>
 
 namespace tp::ui {
@@ -32,6 +36,33 @@ void SessionWindow::start(QStatusBar* bar, FileDialog* dialogs, const std::funct
     } catch (const std::exception& e) {
         reportLoadFailure(*m_feedback, e);
     }
+}
+
+bool SessionWindow::dataSetListEvent(QListWidget* list, QObject* watched, QEvent* event,
+                                     const std::function<void()>& choose)
+{
+    if (watched == list && event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+            choose();
+            return true;
+        }
+    }
+    if (watched == list->viewport() && event->type() == QEvent::MouseButtonRelease) {
+        // Let the list take the click first, then choose what it highlighted.
+        list->viewport()->removeEventFilter(this);
+        QCoreApplication::sendEvent(watched, event);
+        list->viewport()->installEventFilter(this);
+        choose();
+        return true;
+    }
+    return false;
+}
+
+void SessionWindow::done(int result)
+{
+    m_feedback->busy(false);
+    QDialog::done(result);
 }
 
 } // namespace tp::ui

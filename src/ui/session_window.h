@@ -10,6 +10,7 @@
 #include <functional>
 #include <memory>
 
+class QListWidget;
 class QStatusBar;
 
 namespace tp {
@@ -35,6 +36,11 @@ protected:
     // settled (null: the platform's own) and load runs. A load that throws, which none is
     // expected to, is reported and the window kept.
     void start(QStatusBar* bar, FileDialog* dialogs, const std::function<void()>& load);
+    // The data-set list's events: Enter, or a click once the list has taken it, runs choose.
+    // True when the event was handled.
+    bool dataSetListEvent(QListWidget* list, QObject* watched, QEvent* event, const std::function<void()>& choose);
+    // Closing ends the hourglass a long step may have left.
+    void done(int result) override;
 };
 
 } // namespace tp::ui
