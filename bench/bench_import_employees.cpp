@@ -6,6 +6,7 @@
 // longest wait of each is printed.
 // Last line: import-employees: ours=<s>s peer=<s>s ratio=<ours/peer>
 #include "bench_demo.h"
+#include "bench_peer.h"
 #include "foundation/dao.h"
 #include "foundation/feedback.h"
 #include "foundation/globals.h"
@@ -15,7 +16,6 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
-#include <QProcess>
 #include <QTemporaryDir>
 
 #include <sqlite3.h>
@@ -161,16 +161,10 @@ int main(int argc, char** argv)
     }
 
     // The peer: the shell makes a scratch table from the heading line and loads every line.
-    clock.restart();
-    QProcess shell;
-    shell.start(QStringLiteral("sqlite3"), {peer});
-    shell.write(QStringLiteral(".import --csv %1 EmployeeImport\n").arg(file).toUtf8());
-    shell.closeWriteChannel();
-    if (!shell.waitForFinished(600000) || shell.exitCode() != 0) {
-        std::fprintf(stderr, "sqlite3 failed: %s\n", shell.readAllStandardError().constData());
+    const double peerSeconds =
+        bench::runSqliteShell(peer, QStringLiteral(".import --csv %1 EmployeeImport\n").arg(file));
+    if (peerSeconds < 0)
         return 1;
-    }
-    const double peerSeconds = double(clock.nsecsElapsed()) / 1e9;
     if (count(peer, QStringLiteral("SELECT count(*) FROM EmployeeImport")) != kEmployees) {
         std::fprintf(stderr, "the peer's table is incomplete\n");
         return 1;
