@@ -96,14 +96,7 @@ protected:
     QLineEdit* box(const char* name) { return child<QLineEdit>(name); }
     QString status() { return window->statusBar().text(); }
 
-    void press(const char* name)
-    {
-        QPushButton* b = button(name);
-        ASSERT_NE(b, nullptr) << name;
-        ASSERT_TRUE(b->isEnabled()) << name << " is disabled";
-        ASSERT_TRUE(b->isVisible()) << name << " is hidden";
-        click(b, b->rect().center());
-    }
+    void press(const char* name) { pressButton(window.get(), name); }
     void tick(std::initializer_list<int> rows)
     {
         for (int r : rows)

@@ -72,14 +72,7 @@ protected:
         return texts;
     }
 
-    void press(const char* name)
-    {
-        QPushButton* b = button(name);
-        ASSERT_NE(b, nullptr) << name;
-        ASSERT_TRUE(b->isEnabled()) << name << " is disabled";
-        ASSERT_TRUE(b->isVisible()) << name << " is hidden";
-        click(b, b->rect().center());
-    }
+    void press(const char* name) { pressButton(window.get(), name); }
     void tick(std::initializer_list<int> rows)
     {
         for (int r : rows)

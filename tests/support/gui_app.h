@@ -7,6 +7,7 @@
 #include <QKeyEvent>
 #include <QListWidget>
 #include <QMouseEvent>
+#include <QPushButton>
 #include <QStyle>
 #include <QStyleOptionViewItem>
 #include <QTableWidget>
@@ -59,6 +60,16 @@ inline void click(QWidget* target, const QPoint& pos)
 {
     sendMouse(target, QEvent::MouseButtonPress, pos);
     sendMouse(target, QEvent::MouseButtonRelease, pos);
+}
+
+// A click on the window's button of that object name, which must be there, enabled and shown.
+inline void pressButton(QWidget* window, const char* name)
+{
+    auto* b = window->findChild<QPushButton*>(QString::fromLatin1(name));
+    ASSERT_NE(b, nullptr) << name;
+    ASSERT_TRUE(b->isEnabled()) << name << " is disabled";
+    ASSERT_TRUE(b->isVisible()) << name << " is hidden";
+    click(b, b->rect().center());
 }
 
 inline void pressKey(QWidget* target, int key, const QString& text = QString())
