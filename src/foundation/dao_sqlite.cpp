@@ -284,17 +284,18 @@ public:
         if (!st)
             return false;
         QByteArray scratch;
-        for (const QVector<QVariant>& row : rows) {
-            int rc = bindRow(st, row, scratch);
+        int rc = SQLITE_DONE;
+        for (std::size_t r = 0; r < rows.size() && rc == SQLITE_DONE; ++r) {
+            rc = bindRow(st, rows[r], scratch);
             if (rc == SQLITE_OK)
                 rc = sqlite3_step(st);
             if (rc != SQLITE_DONE)
                 setError(m_db, err);
             sqlite3_reset(st);
-            if (rc != SQLITE_DONE)
-                return false;
         }
-        return true;
+        // The kept statement must not point into the scratch buffer once it is gone.
+        sqlite3_clear_bindings(st);
+        return rc == SQLITE_DONE;
     }
 
     bool begin(DbError& err) override { return exec(QStringLiteral("BEGIN"), err); }
