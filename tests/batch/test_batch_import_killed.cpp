@@ -2,8 +2,7 @@
 // row the run reported as written is there, and what is there is the file's first records,
 // each row complete; nothing else changed. The built tallyport-batch is killed from outside
 // (SIGKILL) at several points while it reads and writes a large employees file.
-#include "demo_generator.h"
-#include "support/test_databases.h"
+#include "support/demo_site.h"
 
 #include "foundation/dao.h"
 
@@ -17,7 +16,6 @@
 #include <sqlite3.h>
 
 #include <functional>
-#include <memory>
 
 namespace tp::test {
 namespace {
@@ -207,54 +205,20 @@ protected:
         options.inventoryRecords = 0;
         options.tracks = 0;
         options.gpsPoints = 0;
-        options.replaceExisting = true;
-        QString folder, name;
-        if (postgres()) {
-            pg = std::make_unique<PgScratchDatabase>();
-            if (!pg->ok() && pgTestUrl().isEmpty())
-                GTEST_SKIP() << kPgSkipMessage;
-            ASSERT_TRUE(pg->ok()) << pg->error().toStdString();
-            location = pg->url();
-            const qsizetype cut = location.lastIndexOf(QLatin1Char('/')) + 1;
-            folder = location.left(cut);
-            name = location.mid(cut);
-        } else {
-            location = QDir(files.path()).filePath(QStringLiteral("demo.db"));
-            folder = files.path() + QLatin1Char('/');
-            name = QStringLiteral("demo.db");
-        }
-        QString error;
-        ASSERT_TRUE(createDemoDatabase(location, options, &error)) << error.toStdString();
-        ASSERT_TRUE(writeDemoSettings(settings.path(), folder, name, &error)) << error.toStdString();
-        input = QDir(files.path()).filePath(QStringLiteral("employees.txt"));
+        const QString why = site.create(postgres(), options);
+        if (why == QLatin1String(kPgSkipMessage))
+            GTEST_SKIP() << kPgSkipMessage;
+        ASSERT_TRUE(why.isEmpty()) << why.toStdString();
+        location = site.location();
+        input = QDir(site.folder()).filePath(QStringLiteral("employees.txt"));
         ASSERT_TRUE(writeFile(input));
         before = snapshot();
         ASSERT_FALSE(before.isEmpty());
         ASSERT_EQ(query(QStringLiteral("SELECT count(*) FROM EmployeeInfo WHERE ") + kImported), "0");
     }
 
-    // Every row of the query on a connection of its own, columns joined by '|', rows by '\n';
-    // "<error>" when it fails.
-    QString query(const QString& sql) const
-    {
-        cDAO db;
-        if (!db.DB_Connect(location, QString(), QStringLiteral("Admin"), QString()))
-            return QStringLiteral("<cannot connect: ") + db.errorText + QLatin1Char('>');
-        QStringList out;
-        RecordsetPtr rs = db.RecSet_Forward(sql);
-        if (!rs)
-            out << QStringLiteral("<") + db.errorText + QLatin1Char('>');
-        for (; rs && !rs->atEnd(); rs->moveNext()) {
-            QStringList row;
-            for (int c = 0; c < rs->fieldCount(); ++c)
-                row << rs->value(c).toString();
-            out << row.join(QLatin1Char('|'));
-        }
-        if (rs)
-            db.RS_Close(rs);
-        db.DB_Close();
-        return out.join(QLatin1Char('\n'));
-    }
+    // Every row of the query, columns joined by '|', rows by '\n'.
+    QString query(const QString& sql) const { return queryRows(location, sql, QLatin1Char('|'), QLatin1Char('\n')); }
 
     // Everything but the imported employees: each table's row count and every earlier employee.
     QString snapshot() const
@@ -356,8 +320,7 @@ protected:
         db.DB_Close();
     }
 
-    QTemporaryDir files, settings;
-    std::unique_ptr<PgScratchDatabase> pg;
+    EngineDemoSite site;
     QString location, input, before;
 };
 
@@ -366,7 +329,7 @@ TEST_P(KilledImport, EveryReportedRowIsWrittenAndTheRowsAreTheFilesFirst)
     int killedWhileWriting = 0;
     for (const KillPoint& point : kKillPoints) {
         SCOPED_TRACE(point.name);
-        WatchedRun run(settings.path(), files.path(), input);
+        WatchedRun run(site.settingsFolder(), site.folder(), input);
         ASSERT_TRUE(run.started());
         ASSERT_TRUE(run.waitUntil([&] {
             return run.progressLines() >= point.lines &&
