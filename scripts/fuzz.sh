@@ -4,6 +4,8 @@
 #   fuzz.sh TARGET [SECONDS] [ARG]  runs one (default 60 s); ARGs go to libFuzzer (-runs=N, -jobs=N)
 #   fuzz.sh --smoke [SECONDS]       every target for a few seconds each (default 5), as CI does
 # Seeds come from tests/fuzz/TARGET/; what the run adds is kept in build-fuzz/corpus/TARGET.
+# tests/fuzz/TARGET.flags, when present, holds libFuzzer flags of that target (ARGs come later
+# and win).
 # A finding (crash, sanitizer report, leak, timeout) is saved as build-fuzz/findings/TARGET-*
 # and the exit status is non-zero.
 set -euo pipefail
@@ -32,10 +34,12 @@ run() {
     shift 2
     targets | grep -qx "$target" || { echo "fuzz: no target $target (see --list)" >&2; exit 2; }
     mkdir -p "$dir/corpus/$target" "$dir/findings"
+    local own=()
+    [ -f "tests/fuzz/$target.flags" ] && read -r -a own <"tests/fuzz/$target.flags"
     echo "fuzz: $target for ${seconds}s"
     ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1 \
         "$dir/tests/fuzz/fuzz_$target" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 \
-        -print_final_stats=1 -artifact_prefix="$dir/findings/$target-" "$@" \
+        -print_final_stats=1 -artifact_prefix="$dir/findings/$target-" "${own[@]}" "$@" \
         "$dir/corpus/$target" "tests/fuzz/$target"
 }
 

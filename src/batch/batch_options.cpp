@@ -14,7 +14,7 @@ namespace {
 
 enum class Arg {
     Settings, User, Dataset, Fields, Output, Input, From, To, Subject, Encoding,
-    FormatDate, FormatTime, Yes
+    FormatDate, FormatTime, Yes, Progress
 };
 
 struct ArgInfo {
@@ -39,6 +39,7 @@ const ArgInfo kArgs[] = {
     {"--format-date", Arg::FormatDate, false, true, false},
     {"--format-time", Arg::FormatTime, false, true, false},
     {"--yes", Arg::Yes, false, true, true},
+    {"--progress", Arg::Progress, false, false, true},
 };
 
 const ArgInfo* findArg(const QString& name)
@@ -216,6 +217,7 @@ ParseResult parseArguments(const QStringList& arguments)
         case Arg::FormatDate: o.formatDate = true; break;
         case Arg::FormatTime: o.formatTime = true; break;
         case Arg::Yes: o.yes = true; break;
+        case Arg::Progress: o.progress = true; break;
         case Arg::Fields:
             o.fieldsGiven = true;
             result.error = parseFields(*value, isExport, o.fields);
@@ -254,7 +256,8 @@ QString usageText()
         "  tallyport-batch export --settings FILE --user ID --dataset NAME --fields LIST --output FILE\n"
         "                         [--from MM/DD/YYYY --to MM/DD/YYYY] [--subject all|TRACKID]\n"
         "                         [--format-date] [--format-time] [--encoding windows-1252|utf-8] [--yes]\n"
-        "  tallyport-batch import --settings FILE --user ID --dataset NAME --input FILE [--fields LIST] [--yes]\n"
+        "  tallyport-batch import --settings FILE --user ID --dataset NAME --input FILE [--fields LIST]\n"
+        "                         [--yes] [--progress]\n"
         "  tallyport-batch --help | --version\n");
 }
 
@@ -306,6 +309,9 @@ QString helpText()
         "  --yes             answer Yes to the window's questions (for example the question\n"
         "                    before exporting more than 200 records, or whether an import may\n"
         "                    renumber a record whose number is taken); without it they get No.\n"
+        "  --progress        import: each time a group of records is committed, print\n"
+        "                    \"Records written: N of TOTAL\" on a line of its own to standard\n"
+        "                    error; the N records are in the database from then on.\n"
         "  --help            this text.   --version   the program version.\n"
         "\n"
         "Messages and questions go to standard error as the window shows them; the final status\n"

@@ -35,6 +35,7 @@ struct Options {
     bool formatTime = false;
     FileEncoding encoding = FileEncoding::Windows1252;
     bool yes = false;
+    bool progress = false;             // import: a line on standard error after each commit
 
     bool byDate() const { return !from.isEmpty(); }
 };

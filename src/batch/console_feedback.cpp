@@ -20,7 +20,14 @@ void ConsoleFeedback::status(const QString& text)
     m_lastStatus = text;
 }
 
-void ConsoleFeedback::progress(qint64, qint64) {}
+void ConsoleFeedback::progress(qint64 done, qint64 total)
+{
+    // Total 0 only hides the window's bar.
+    if (!m_progressLines || total <= 0)
+        return;
+    std::fprintf(m_out, "Records written: %lld of %lld\n", static_cast<long long>(done), static_cast<long long>(total));
+    std::fflush(m_out);
+}
 
 void ConsoleFeedback::message(short, const QString& text, const QString&)
 {

@@ -19,6 +19,11 @@ public:
     void message(short kind, const QString& text, const QString& title) override;
     short ask(short kind, const QString& text) override;
 
+    // With it on, each progress call of a loop that has a total prints
+    // "Records written: DONE of TOTAL" as a line of its own (the import calls it only after a
+    // commit, so the line never tells of a row that is not in the database).
+    void setProgressLines(bool on) { m_progressLines = on; }
+
     // A line of the tool's own (not a box of the window), printed as a block too.
     void note(const QString& text);
 
@@ -35,6 +40,7 @@ private:
     void print(const QString& block);
 
     bool m_answerYes;
+    bool m_progressLines = false;
     std::FILE* m_out;
     QString m_lastStatus;
     int m_blocks = 0;

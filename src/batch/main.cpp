@@ -1,4 +1,4 @@
-// tallyport-batch: the Export (and later Import) window's work without a window, for jobs
+// tallyport-batch: the Export or Import window's work without a window, for jobs
 // that run unattended. See --help and the "Batch tool" section of the README.
 #include "batch/batch_commands.h"
 #include "batch/batch_startup.h"
@@ -32,6 +32,7 @@ int main(int argc, char** argv)
 
     describeRun(options);
     ConsoleFeedback console(options.yes);
+    console.setProgressLines(options.progress);
     tp::setFeedback(&console);
     const int status = options.command == Command::Export
                            ? exportCommand(options, console, stdout)

@@ -9,9 +9,11 @@ namespace {
 
 constexpr qint64 kChunk = 64 * 1024;
 
-QString decode1252(const QByteArray& bytes)
+QString decode1252(QByteArrayView bytes)
 {
-    QStringDecoder decoder("windows-1252");
+    // Opening a converter costs far more than decoding one field; a single-byte code keeps
+    // no state between calls, so one per thread serves every field.
+    thread_local QStringDecoder decoder("windows-1252", QStringConverter::Flag::Stateless);
     if (decoder.isValid())
         return decoder.decode(bytes);
     return QString::fromLatin1(bytes);
@@ -55,7 +57,8 @@ bool isValidUtf8(const char* text, qsizetype n)
 
 void DelimitedLineReader::beginLine()
 {
-    m_bytes.clear();
+    // resize, not clear: the line's buffer keeps its room for the next line.
+    m_bytes.resize(0);
     m_ends.clear();
     m_fieldStart = 0;
     m_fieldBytes = 0;
@@ -91,26 +94,34 @@ void DelimitedLineReader::addByte(char c)
 
 bool DelimitedLineReader::start(const std::function<void(DelimitedLineReader&)>& onLine)
 {
+    QFile file(m_fileName);
+    if (file.open(QIODevice::ReadOnly))
+        return start(file, onLine);
     m_stopped = false;
     m_lineNumber = -1;
     m_consumed = 0;
     m_fieldCount = 0;
-    QFile file(m_fileName);
-    if (!file.open(QIODevice::ReadOnly))
-        return false;
-    m_size = file.size();
+    return false;
+}
+
+bool DelimitedLineReader::start(QIODevice& device, const std::function<void(DelimitedLineReader&)>& onLine)
+{
+    m_stopped = false;
+    m_lineNumber = -1;
+    m_consumed = 0;
+    m_fieldCount = 0;
+    m_size = device.isSequential() ? 0 : device.size() - device.pos();
     beginLine();
 
-    QByteArray chunk;
-    chunk.resize(kChunk);
+    m_chunk.resize(kChunk);
     bool anyLine = false;
     for (;;) {
-        const qint64 got = file.read(chunk.data(), kChunk);
+        const qint64 got = device.read(m_chunk.data(), kChunk);
         if (got < 0)
             return false;
         if (got == 0)
             break;
-        const char* p = chunk.constData();
+        const char* p = m_chunk.constData();
         for (qint64 i = 0; i < got; ++i) {
             const char c = p[i];
             ++m_consumed;
@@ -157,7 +168,7 @@ QString DelimitedLineReader::fieldText(int i) const
     const qsizetype to = m_ends[size_t(i - 1)];
     if (m_utf8)
         return QString::fromUtf8(m_bytes.constData() + from, to - from);
-    return decode1252(m_bytes.mid(from, to - from));
+    return decode1252(QByteArrayView(m_bytes.constData() + from, to - from));
 }
 
 int DelimitedLineReader::percentDone() const

@@ -7,6 +7,8 @@
 #include <QStringList>
 #include <functional>
 
+class QIODevice;
+
 namespace tp {
 
 class DelimitedLineReader {
@@ -28,6 +30,9 @@ public:
     // is called inside it. A file without any byte reads as one empty line; a last line
     // without a line end still counts. False when the file cannot be opened or read.
     bool start(const std::function<void(DelimitedLineReader&)>& onLine);
+    // The same from a device open for reading, from where it stands; its size (0 for a
+    // sequential one) is what percentDone() measures against.
+    bool start(QIODevice& device, const std::function<void(DelimitedLineReader&)>& onLine);
     // Ends the reading after the current line event.
     void stop() { m_stopped = true; }
     bool stopped() const { return m_stopped; }
@@ -50,6 +55,7 @@ private:
     void emitLine(const std::function<void(DelimitedLineReader&)>& onLine);
 
     QString m_fileName;
+    QByteArray m_chunk;   // kept from one start to the next
     char m_separator = ',';
     bool m_stopped = false;
     qint64 m_lineNumber = -1;

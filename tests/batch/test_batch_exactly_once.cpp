@@ -2,6 +2,7 @@
 // once, whatever runs at the same time, fails or is killed: the built tallyport-batch (and the
 // session the Export window drives) on a demo database, on SQLite and on PostgreSQL.
 #include "demo_generator.h"
+#include "support/demo_site.h"
 #include "support/programs.h"
 #include "support/test_databases.h"
 
@@ -52,29 +53,16 @@ protected:
 
     void SetUp() override
     {
-        QString error;
         DemoOptions options;
         options.tracks = 0;
         options.gpsPoints = 0;
         options.inventoryRecords = options.timeRecords;
-        options.replaceExisting = true;
-        QString folder, name;
-        if (postgres()) {
-            pg = std::make_unique<PgScratchDatabase>();
-            if (!pg->ok() && pgTestUrl().isEmpty())
-                GTEST_SKIP() << kPgSkipMessage;
-            ASSERT_TRUE(pg->ok()) << pg->error().toStdString();
-            location = pg->url();
-            const qsizetype cut = location.lastIndexOf(QLatin1Char('/')) + 1;
-            folder = location.left(cut);
-            name = location.mid(cut);
-        } else {
-            location = QDir(files.path()).filePath(QStringLiteral("demo.db"));
-            folder = files.path() + QLatin1Char('/');
-            name = QStringLiteral("demo.db");
-        }
-        ASSERT_TRUE(createDemoDatabase(location, options, &error)) << error.toStdString();
-        ASSERT_TRUE(writeDemoSettings(settings.path(), folder, name, &error)) << error.toStdString();
+        const QString why = site.create(postgres(), options);
+        if (why == QLatin1String(kPgSkipMessage))
+            GTEST_SKIP() << kPgSkipMessage;
+        ASSERT_TRUE(why.isEmpty()) << why.toStdString();
+        location = site.location();
+        pg = site.pg();
         ASSERT_TRUE(db.DB_Connect(location, QString(), QStringLiteral("Admin"), QString()));
         initial = ids(QStringLiteral("Approved = 1 AND ExportID = 0"));
         exportedBefore = ids(QStringLiteral("Approved = 2 AND ExportID = 1"));
@@ -93,14 +81,14 @@ protected:
     {
         auto p = std::make_unique<QProcess>();
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert(QStringLiteral("TALLYPORT_SETTINGS_DIR"), settings.path());
+        env.insert(QStringLiteral("TALLYPORT_SETTINGS_DIR"), site.settingsFolder());
         env.remove(QStringLiteral("TALLYPORT_EXPORT_FAULT"));
         if (!fault.isEmpty())
             env.insert(QStringLiteral("TALLYPORT_EXPORT_FAULT"), fault);
         if (!wait.isEmpty())
             env.insert(QStringLiteral("TALLYPORT_EXPORT_WAIT"), wait);
         p->setProcessEnvironment(env);
-        p->setWorkingDirectory(files.path());
+        p->setWorkingDirectory(site.folder());
         p->start(kBinary, arguments(file, extra));
         EXPECT_TRUE(p->waitForStarted());
         return p;
@@ -146,7 +134,7 @@ protected:
         ASSERT_EQ(db.appError, 0) << db.errorText.toStdString();
     }
 
-    QString path(const QString& name) const { return QDir(files.path()).filePath(name); }
+    QString path(const QString& name) const { return QDir(site.folder()).filePath(name); }
     QByteArray bytes(const QString& name) const
     {
         QFile f(path(name));
@@ -177,7 +165,7 @@ protected:
     }
     QStringList leftovers() const
     {
-        return QDir(files.path()).entryList({QStringLiteral(".*.tp*")}, QDir::Files | QDir::Hidden);
+        return QDir(site.folder()).entryList({QStringLiteral(".*.tp*")}, QDir::Files | QDir::Hidden);
     }
     // Until a run has counted its records and opened its temporary file.
     bool fileStarted() const
@@ -203,8 +191,8 @@ protected:
         EXPECT_TRUE(waiting().isEmpty());
     }
 
-    QTemporaryDir files, settings;
-    std::unique_ptr<PgScratchDatabase> pg;
+    EngineDemoSite site;
+    PgScratchDatabase* pg = nullptr;   // the site's, on PostgreSQL
     QString location;
     cDAO db;
     QSet<qint64> initial, exportedBefore;

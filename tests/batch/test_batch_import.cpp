@@ -67,6 +67,32 @@ TEST_F(BatchImport, EverySampleFileImportsIntoTheDemoDatabase)
     }
 }
 
+// --progress adds a line per committed group to standard error and nothing to standard output;
+// without it no such line appears.
+TEST_F(BatchImport, ProgressLinesGoToStandardErrorOnlyWhenAskedFor)
+{
+    const QStringList vehicles = {"--fields", "VINNumber,Year,Make,Model,TrackerSerialNumber"};
+    const BatchRun quiet = import("KRV.ini", "1", "Vehicle Data", sample("import_vehicles.txt"), vehicles);
+    ASSERT_EQ(quiet.exitCode, 0) << quiet.err.toStdString();
+    EXPECT_FALSE(quiet.err.contains("Records written")) << quiet.err.toStdString();
+    exec("DELETE FROM VehicleInfo WHERE VehicleNumber > 7000");
+
+    const BatchRun told =
+        import("KRV.ini", "1", "Vehicle Data", sample("import_vehicles.txt"), vehicles + QStringList{"--progress"});
+    ASSERT_EQ(told.exitCode, 0) << told.err.toStdString();
+    EXPECT_EQ(told.out, quiet.out);
+    EXPECT_EQ(told.out, "Importing File ''import_vehicles.txt'' Completed Successfully\n");
+    // After everything the quiet run said, counting up to the whole file.
+    ASSERT_TRUE(told.err.startsWith(quiet.err)) << told.err.toStdString();
+    const QStringList lines = told.err.mid(quiet.err.size()).split('\n', Qt::SkipEmptyParts);
+    ASSERT_FALSE(lines.isEmpty());
+    for (const QString& line : lines)
+        EXPECT_TRUE(line.startsWith("Records written: ") && line.endsWith(" of 3")) << line.toStdString();
+    EXPECT_EQ(lines.last(), "Records written: 3 of 3");
+    EXPECT_TRUE(told.err.endsWith('\n'));
+    EXPECT_EQ(site.scalar("SELECT count(*) FROM VehicleInfo WHERE VehicleNumber > 7000"), 3);
+}
+
 TEST_F(BatchImport, AFaultPrintsTheReportAndWritesNothing)
 {
     ASSERT_TRUE(writeBytes(path("vehicles.txt"), "VehicleNumber,LicenseNumber,GroupID,BranchNumber\r\n7101,TP 1,1,1\r\n"

@@ -37,6 +37,8 @@ TEST_F(BatchUsage, MistakesInTheCommandExitWithTwoAndTouchNothing)
         {exportArgs(ok + "--encoding latin1"), "--encoding must be windows-1252 or utf-8"},
         {exportArgs(ok + "--subject all"), "--subject is for GPS Data only"},
         {exportArgs(ok + "--input x.txt"), "--input is not an option of export"},
+        {exportArgs(ok + "--progress"), "--progress is not an option of export"},
+        {importArgs("Vehicle Data", "--input x.txt --progress=1"), "--progress takes no value"},
         {exportArgs(ok + "--yes --yes"), "--yes given twice"},
         {exportArgs("--fields Date,Time,Date --output out.txt"), "--fields names Date twice"},
         {exportArgs("--fields Date,Nickname --output out.txt"),
@@ -73,7 +75,7 @@ TEST_F(BatchUsage, HelpDocumentsEveryOptionWithAnExample)
     EXPECT_TRUE(r.err.isEmpty());
     for (const char* option : {"--settings", "--user", "--dataset", "--fields", "--output", "--input",
                                "--from", "--to", "--subject", "--format-date", "--format-time",
-                               "--encoding", "--yes", "--help", "--version", "Exit status"})
+                               "--encoding", "--yes", "--progress", "--help", "--version", "Exit status"})
         EXPECT_TRUE(r.out.contains(QLatin1String(option))) << option;
     EXPECT_TRUE(r.out.contains("Example: --fields EmployeeNumber=Emp,EmployeeLastName,Date"));
 

@@ -5,6 +5,7 @@
 #include "import/frmImport.h"
 #include "startup/startup.h"
 #include "support/foundation_fixture.h"
+#include "support/demo_site.h"
 #include "support/gui_app.h"
 #include "support/test_databases.h"
 
@@ -21,21 +22,7 @@ const auto* const kPgGui = ::testing::AddGlobalTestEnvironment(new GuiEnvironmen
 
 QString readRows(const QString& location, const QString& sql)
 {
-    cDAO db;
-    if (!db.DB_Connect(location, QString(), QStringLiteral("Admin"), QString()))
-        return QStringLiteral("<cannot open>");
-    QStringList out;
-    RecordsetPtr rs = db.RecSet_Forward(sql);
-    for (; rs && !rs->atEnd(); rs->moveNext()) {
-        QStringList cells;
-        for (int i = 0; i < rs->fieldCount(); ++i)
-            cells << rs->value(i).toString();
-        out << cells.join(QLatin1Char(':'));
-    }
-    if (rs)
-        db.RS_Close(rs);
-    db.DB_Close();
-    return out.join(QLatin1Char('|'));
+    return queryRows(location, sql, QLatin1Char(':'), QLatin1Char('|'));
 }
 
 TEST(ImportWindowOnPostgres, MapLocationsScannedAndImportedWithApostrophesIntact)

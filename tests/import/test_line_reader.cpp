@@ -4,6 +4,7 @@
 #include "import/line_reader.h"
 #include "support/foundation_fixture.h"
 
+#include <QBuffer>
 #include <QDir>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -11,13 +12,15 @@
 namespace tp::test {
 namespace {
 
-// Every line as its fields joined by "|", prefixed by the field count.
-QStringList readAll(const QString& path, int stopAfter = -1, QList<int>* percents = nullptr)
+// Every line as its fields joined by "|", prefixed by the field count; from the file, or
+// from device when one is given.
+QStringList readAll(const QString& path, int stopAfter = -1, QList<int>* percents = nullptr,
+                    QIODevice* device = nullptr)
 {
     QStringList lines;
     DelimitedLineReader reader;
     reader.setFileName(path);
-    const bool ok = reader.start([&](DelimitedLineReader& r) {
+    const auto onLine = [&](DelimitedLineReader& r) {
         QStringList fields;
         for (int i = 1; i <= r.fieldCount(); ++i)
             fields << r.fieldText(i);
@@ -26,9 +29,16 @@ QStringList readAll(const QString& path, int stopAfter = -1, QList<int>* percent
             percents->append(r.percentDone());
         if (r.lineNumber() + 1 == stopAfter)
             r.stop();
-    });
-    EXPECT_TRUE(ok);
+    };
+    EXPECT_TRUE(device ? reader.start(*device, onLine) : reader.start(onLine));
     return lines;
+}
+
+QStringList readBytes(QByteArray bytes, int stopAfter = -1, QList<int>* percents = nullptr)
+{
+    QBuffer buffer(&bytes);
+    EXPECT_TRUE(buffer.open(QIODevice::ReadOnly));
+    return readAll(QString(), stopAfter, percents, &buffer);
 }
 
 class LineReader : public ::testing::Test {
@@ -64,8 +74,10 @@ TEST_F(LineReader, LinesAndFields)
         {"Caf\xe9,\x80\n", {QStringLiteral("2:Caf\u00e9|\u20ac")}},   // Windows-1252
         {QByteArray("\xff\xfe\x00\x01,\x9d\n", 7), {QStringLiteral("2:\u00ff\u00fe") + QChar(0) + QChar(1) + QStringLiteral("|\u009d")}},
     };
-    for (const Case& c : cases)
+    for (const Case& c : cases) {
         EXPECT_EQ(readAll(file(c.bytes)), c.lines) << c.bytes.toStdString();
+        EXPECT_EQ(readBytes(c.bytes), c.lines) << c.bytes.toStdString();
+    }
 }
 
 TEST_F(LineReader, StopsAfterTheCurrentLineAndReportsProgress)
@@ -74,6 +86,18 @@ TEST_F(LineReader, StopsAfterTheCurrentLineAndReportsProgress)
     EXPECT_EQ(readAll(file("aaaa\nbbbb\ncccc\ndddd\n"), 2, &percents), (QStringList{"1:aaaa", "1:bbbb"}));
     EXPECT_EQ(percents, (QList<int>{25, 50}));
     EXPECT_EQ(readAll(file("x")).size(), 1);
+
+    // From a device: the same, and read from where it stands, measured against what is left.
+    percents.clear();
+    EXPECT_EQ(readBytes("aaaa\nbbbb\ncccc\ndddd\n", 2, &percents), (QStringList{"1:aaaa", "1:bbbb"}));
+    EXPECT_EQ(percents, (QList<int>{25, 50}));
+    QByteArray bytes("skip\naa\nbb\n");
+    QBuffer buffer(&bytes);
+    ASSERT_TRUE(buffer.open(QIODevice::ReadOnly));
+    ASSERT_TRUE(buffer.seek(5));
+    percents.clear();
+    EXPECT_EQ(readAll(QString(), -1, &percents, &buffer), (QStringList{"1:aa", "1:bb"}));
+    EXPECT_EQ(percents, (QList<int>{50, 100}));
 }
 
 TEST_F(LineReader, AVeryLongLineIsCountedButNotKeptWhole)
@@ -109,6 +133,11 @@ TEST_F(LineReader, AFileThatCannotBeOpenedIsRefused)
     EXPECT_FALSE(reader.start([&](DelimitedLineReader&) { ++lines; }));
     reader.setFileName(dir.path());
     EXPECT_FALSE(reader.start([&](DelimitedLineReader&) { ++lines; }));
+    // A device that cannot be read.
+    QByteArray bytes("a,b\n");
+    QBuffer writeOnly(&bytes);
+    ASSERT_TRUE(writeOnly.open(QIODevice::WriteOnly));
+    EXPECT_FALSE(reader.start(writeOnly, [&](DelimitedLineReader&) { ++lines; }));
     EXPECT_EQ(lines, 0);
 }
 

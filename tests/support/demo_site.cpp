@@ -72,23 +72,7 @@ bool DemoSite::exec(const QString& sql)
 
 QString DemoSite::rows(const QString& sql) const
 {
-    cDAO db;
-    if (!db.DB_Connect(databaseFile(), QString(), QStringLiteral("Admin"), QString()))
-        return QStringLiteral("<cannot open>");
-    QStringList out;
-    RecordsetPtr rs = db.RecSet_Forward(sql);
-    if (!rs)
-        out << QStringLiteral("<") + db.errorText + QStringLiteral(">");
-    for (; rs && !rs->atEnd(); rs->moveNext()) {
-        QStringList row;
-        for (int c = 0; c < rs->fieldCount(); ++c)
-            row << rs->value(c).toString();
-        out << row.join(QLatin1Char(':'));
-    }
-    if (rs)
-        db.RS_Close(rs);
-    db.DB_Close();
-    return out.join(QLatin1Char(' '));
+    return queryRows(databaseFile(), sql, QLatin1Char(':'), QLatin1Char(' '));
 }
 
 qint64 DemoSite::scalar(const QString& sql) const
@@ -98,6 +82,52 @@ qint64 DemoSite::scalar(const QString& sql) const
     if (!number)
         ADD_FAILURE() << sql.toStdString() << " gave " << rows(sql).toStdString();
     return number ? value : -1;
+}
+
+QString EngineDemoSite::create(bool postgres, DemoOptions options)
+{
+    QString folder, name;
+    if (postgres) {
+        m_pg = std::make_unique<PgScratchDatabase>();
+        if (!m_pg->ok())
+            return pgTestUrl().isEmpty() ? QString::fromLatin1(kPgSkipMessage) : m_pg->error();
+        m_location = m_pg->url();
+        const qsizetype cut = m_location.lastIndexOf(QLatin1Char('/')) + 1;
+        folder = m_location.left(cut);
+        name = m_location.mid(cut);
+    } else {
+        if (!m_files.isValid() || !m_settings.isValid())
+            return QStringLiteral("no temporary folder");
+        name = QStringLiteral("demo.db");
+        m_location = QDir(m_files.path()).filePath(name);
+        folder = m_files.path() + QLatin1Char('/');
+    }
+    options.replaceExisting = true;
+    QString error;
+    if (!createDemoDatabase(m_location, options, &error) || !writeDemoSettings(m_settings.path(), folder, name, &error))
+        return error.isEmpty() ? QStringLiteral("the demo database could not be made") : error;
+    return QString();
+}
+
+QString queryRows(const QString& location, const QString& sql, QChar columnGap, QChar rowGap)
+{
+    cDAO db;
+    if (!db.DB_Connect(location, QString(), QStringLiteral("Admin"), QString()))
+        return QStringLiteral("<cannot open>");
+    QStringList out;
+    RecordsetPtr rs = db.RecSet_Forward(sql);
+    if (!rs)
+        out << QStringLiteral("<") + db.errorText + QStringLiteral(">");
+    for (; rs && !rs->atEnd(); rs->moveNext()) {
+        QStringList row;
+        for (int c = 0; c < rs->fieldCount(); ++c)
+            row << rs->value(c).toString();
+        out << row.join(columnGap);
+    }
+    if (rs)
+        db.RS_Close(rs);
+    db.DB_Close();
+    return out.join(rowGap);
 }
 
 } // namespace tp::test
