@@ -3,6 +3,8 @@
 #include <QFile>
 #include <QStringDecoder>
 
+#include <algorithm>
+
 namespace tp {
 
 namespace {
@@ -92,6 +94,21 @@ void DelimitedLineReader::addByte(char c)
         m_bytes.append(c);
 }
 
+void DelimitedLineReader::addRun(const char* bytes, qsizetype n)
+{
+    m_lineHasBytes = true;
+    for (qsizetype k = 0; m_blank && k < n; ++k)
+        m_blank = bytes[k] == ' ';
+    // As addByte keeps them: up to the field's and the line's limits, none past the last field kept.
+    qsizetype keep = 0;
+    if (m_ends.size() < size_t(kMaxFields))
+        keep = std::min({n, std::max<qsizetype>(0, kMaxFieldBytes - m_fieldBytes),
+                         std::max<qsizetype>(0, kMaxLineBytes - m_bytes.size())});
+    m_fieldBytes += n;
+    if (keep > 0)
+        m_bytes.append(bytes, keep);
+}
+
 bool DelimitedLineReader::start(const std::function<void(DelimitedLineReader&)>& onLine)
 {
     QFile file(m_fileName);
@@ -124,6 +141,16 @@ bool DelimitedLineReader::start(QIODevice& device, const std::function<void(Deli
         const char* p = m_chunk.constData();
         for (qint64 i = 0; i < got; ++i) {
             const char c = p[i];
+            if (!m_pendingCr && c != '\n' && c != '\r' && c != m_separator) {
+                // A run of plain bytes goes in at once.
+                qint64 j = i + 1;
+                while (j < got && p[j] != '\n' && p[j] != '\r' && p[j] != m_separator)
+                    ++j;
+                addRun(p + i, j - i);
+                m_consumed += j - i;
+                i = j - 1;
+                continue;
+            }
             ++m_consumed;
             if (c == '\n') {
                 // A carriage return just before the line feed belongs to the line end.

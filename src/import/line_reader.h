@@ -52,6 +52,8 @@ private:
     void beginLine();
     void endField();
     void addByte(char c);
+    // n bytes of which none is a separator, a line feed or a carriage return.
+    void addRun(const char* bytes, qsizetype n);
     void emitLine(const std::function<void(DelimitedLineReader&)>& onLine);
 
     QString m_fileName;
