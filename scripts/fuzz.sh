@@ -35,7 +35,9 @@ run() {
     targets | grep -qx "$target" || { echo "fuzz: no target $target (see --list)" >&2; exit 2; }
     mkdir -p "$dir/corpus/$target" "$dir/findings"
     local own=()
-    [ -f "tests/fuzz/$target.flags" ] && read -r -a own <"tests/fuzz/$target.flags"
+    if [ -f "tests/fuzz/$target.flags" ]; then
+        read -r -a own <"tests/fuzz/$target.flags" || true
+    fi
     echo "fuzz: $target for ${seconds}s"
     ASAN_OPTIONS=detect_leaks=1:abort_on_error=1 UBSAN_OPTIONS=halt_on_error=1:print_stacktrace=1 \
         "$dir/tests/fuzz/fuzz_$target" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 \
