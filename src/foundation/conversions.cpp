@@ -45,6 +45,17 @@ bool endsInSeparator(const QString& s)
 
 } // namespace
 
+QStringView TrimBlanks(QStringView text)
+{
+    qsizetype b = 0;
+    qsizetype e = text.size();
+    while (b < e && text.at(b) == QLatin1Char(' '))
+        ++b;
+    while (e > b && text.at(e - 1) == QLatin1Char(' '))
+        --e;
+    return text.mid(b, e - b);
+}
+
 QString TrimBlanks(const QString& text)
 {
     qsizetype b = 0;

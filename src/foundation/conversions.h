@@ -25,6 +25,8 @@ bool isNumericText(const QString& text);
 
 // The text with leading and trailing blanks (spaces only) removed, as the old Trim did.
 QString TrimBlanks(const QString& text);
+// The same without a copy: the view of text between its leading and trailing blanks.
+QStringView TrimBlanks(QStringView text);
 
 // 8-bit Windows-1252 bytes of a text; characters outside the code page become "?".
 QByteArray toWindows1252(const QString& text);

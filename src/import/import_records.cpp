@@ -1,5 +1,8 @@
 #include "import/import_records.h"
 
+#include <algorithm>
+#include <bit>
+
 #include "foundation/conversions.h"
 
 #include <QLocale>
@@ -76,14 +79,56 @@ void ImportRecordList::reset(ImportDataType dataType)
     const size_t n = RecordLayout(table).size();
     present.assign(n, false);
     required.clear();
-    records.assign(1, std::vector<ImportCell>(n));
+    m_kinds.clear();
+    for (const RecordFieldInfo& f : RecordLayout(table))
+        m_kinds.push_back(f.kind);
+    // Fresh storage: the last import's memory goes back.
+    std::vector<quint64>(n, 0).swap(m_cells);
+    m_texts = QString();
     lastRecord = 0;
 }
 
 void ImportRecordList::grow(qint32 n)
 {
-    while (records.size() <= size_t(n))
-        records.emplace_back(present.size());
+    const size_t cells = (size_t(n) + 1) * present.size();
+    if (m_cells.size() < cells)
+        m_cells.resize(cells, 0);
+}
+
+QString ImportRecordList::text(qint32 record, int field) const
+{
+    return textView(record, field).toString();
+}
+
+QStringView ImportRecordList::textView(qint32 record, int field) const
+{
+    const quint64 bits = slot(record, field);
+    return QStringView(m_texts).mid(qsizetype(bits >> 16), qsizetype(bits & 0xFFFF));
+}
+
+void ImportRecordList::reserveText(qint64 characters)
+{
+    // Untouched room costs address space only, but not without end.
+    constexpr qint64 kMostReserved = 64 * 1024 * 1024;
+    m_texts.reserve(qsizetype(std::clamp<qint64>(characters, 0, kMostReserved)));
+}
+
+double ImportRecordList::number(qint32 record, int field) const
+{
+    return std::bit_cast<double>(slot(record, field));
+}
+
+void ImportRecordList::setText(qint32 record, int field, const QString& text)
+{
+    const qsizetype size = std::min(text.size(), kMaxText);
+    const qsizetype at = m_texts.size();
+    m_texts.append(QStringView(text).left(size));
+    slot(record, field) = quint64(at) << 16 | quint64(size);
+}
+
+void ImportRecordList::setNumber(qint32 record, int field, double number)
+{
+    slot(record, field) = std::bit_cast<quint64>(number);
 }
 
 bool ImportRecordList::isRequired(const QString& name) const
@@ -105,15 +150,14 @@ QString ConfirmationText(const ImportRecordList& list, const QString& selectionL
                    QStringLiteral("Several Records are shown for final confirmation:") + crlf + selectionLine;
     const std::vector<RecordFieldInfo>& layout = RecordLayout(list.table);
     const qint32 shown = std::min<qint32>(list.lastRecord, 10);
-    for (qint32 r = 1; r <= shown && size_t(r) < list.records.size(); ++r) {
+    for (qint32 r = 1; r <= shown; ++r) {
         QStringList parts;
         for (const int f : sampleOrder(list.table)) {
             if (!list.isPresent(f))
                 continue;
-            const ImportCell& c = list.cell(r, f);
             parts << (layout[size_t(f)].kind == CellKind::Text
-                          ? QStringLiteral("''") + TrimBlanks(c.text) + QStringLiteral("''")
-                          : PlainNumber(c.number));
+                          ? QStringLiteral("''") + TrimBlanks(list.text(r, f)) + QStringLiteral("''")
+                          : PlainNumber(list.number(r, f)));
         }
         text += crlf + parts.join(QStringLiteral(" , "));
     }

@@ -1,5 +1,7 @@
 #include "import/import_session.h"
 
+#include <QFileInfo>
+
 #include "foundation/conversions.h"
 #include "foundation/dao.h"
 #include "foundation/feedback.h"
@@ -133,6 +135,7 @@ ImportScanOutcome ImportSession::scanFile(const QString& fileName)
 
     DelimitedLineReader reader;
     reader.setFileName(fileName);
+    m_list.reserveText(QFileInfo(fileName).size());
     reader.setSeparator(',');
     const auto stopWith = [&](qint16 code) {
         s.result = code;

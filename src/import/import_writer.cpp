@@ -104,7 +104,7 @@ bool duplicatePass(cDAO& db, Feedback& fb, ImportRecordList& list)
     if (list.table == RecordTable::Locations) {
         const QSet<QString> names = textValues(db, QStringLiteral("Select LocationName from CommonLocations"));
         for (qint32 i = 1; i <= n; ++i) {
-            const QString name = TrimBlanks(list.cell(i, LoName).text);
+            const QString name = TrimBlanks(list.text(i, LoName));
             if (!names.contains(comparedName(name).toUpper()))
                 continue;
             const QString q = QStringLiteral("The provided name ") + name + QStringLiteral(" already") + kCr +
@@ -124,19 +124,19 @@ bool duplicatePass(cDAO& db, Feedback& fb, ImportRecordList& list)
     const QSet<qint64> numbers =
         wholeValues(db, QStringLiteral("Select ") + info.numberColumn + QStringLiteral(" from ") + info.table);
     for (qint32 i = 1; i <= n; ++i) {
-        ImportCell& c = list.cell(i, field);
-        if (!numbers.contains(qint64(c.number)))
+        const double number = list.number(i, field);
+        if (!numbers.contains(qint64(number)))
             continue;
-        if (fb.ask(0, info.question + PlainNumber(c.number) + info.questionEnd) != AnswerYes)
+        if (fb.ask(0, info.question + PlainNumber(number) + info.questionEnd) != AnswerYes)
             return false;
-        c.number = next;
+        list.setNumber(i, field, next);
         next += 1;
     }
     if (list.table != RecordTable::Vehicles)
         return true;
     const QSet<QString> plates = textValues(db, QStringLiteral("Select LicenseNumber from VehicleInfo"));
     for (qint32 i = 1; i <= n; ++i) {
-        const QString plate = TrimBlanks(list.cell(i, VeLicenseNumber).text);
+        const QString plate = TrimBlanks(list.text(i, VeLicenseNumber));
         if (!plates.contains(plate.toUpper()))
             continue;
         fb.message(0, QStringLiteral("Vehicle LicenseNumber = ") + plate + QStringLiteral(" is already in use.") + kCr +
@@ -168,11 +168,16 @@ private:
     using Value = std::function<QVariant(qint32)>;
 
     bool present(int f) const { return m_list.isPresent(f); }
-    QString text(qint32 i, int f) const { return m_list.cell(i, f).text; }
-    QString trimmed(qint32 i, int f) const { return TrimBlanks(text(i, f)); }
-    qint64 whole(qint32 i, int f) const { return qint64(m_list.cell(i, f).number); }
-    QString branchText(qint32 i, int f) const { return PlainNumber(m_list.cell(i, f).number); }
-    bool branchOk(qint32 i, int f) const { return !present(f) || m_lookups.branchExists(m_list.cell(i, f).number); }
+    QString text(qint32 i, int f) const { return m_list.text(i, f); }
+    QStringView trimmedView(qint32 i, int f) const { return TrimBlanks(m_list.textView(i, f)); }
+    QString trimmed(qint32 i, int f) const { return trimmedView(i, f).toString(); }
+    bool blank(qint32 i, int f) const { return trimmedView(i, f).isEmpty(); }
+    // A column value straight from the record list's buffer, not copied: the row is handed to
+    // the database before anything in the list changes.
+    static QVariant unowned(QStringView text) { return QVariant(QString::fromRawData(text.data(), text.size())); }
+    qint64 whole(qint32 i, int f) const { return qint64(m_list.number(i, f)); }
+    QString branchText(qint32 i, int f) const { return PlainNumber(m_list.number(i, f)); }
+    bool branchOk(qint32 i, int f) const { return !present(f) || m_lookups.branchExists(m_list.number(i, f)); }
 
     void planColumns();
     void add(const char* column, Value value);
@@ -195,20 +200,20 @@ private:
 
 QString RowWriter::refusal(qint32 i) const
 {
-    const QString rec = QString::number(i);
+    const auto rec = [i] { return QString::number(i); };
     switch (m_list.table) {
     case RecordTable::Vehicles:
         if (!branchOk(i, VeBranchNumber))
             return QStringLiteral("BranchNumber = ") + branchText(i, VeBranchNumber) + QStringLiteral("  in record # ") +
-                   rec + QStringLiteral(" is not a valid entry in the database.") + ImportDoneLine(i, true);
+                   rec() + QStringLiteral(" is not a valid entry in the database.") + ImportDoneLine(i, true);
         return QString();
     case RecordTable::Employees:
         if (!branchOk(i, EmBranchNumber))
             return QStringLiteral("BranchNumber = ") + branchText(i, EmBranchNumber) + QStringLiteral(" in record # ") +
-                   rec + QStringLiteral(" is not a valid entry in the database.") + ImportDoneLine(i);
+                   rec() + QStringLiteral(" is not a valid entry in the database.") + ImportDoneLine(i);
         for (const auto& [field, label] : {std::pair{int(EmLastName), "LastName = ''"}, std::pair{int(EmFirstName), "FirstName = ''"}})
-            if (present(field) && trimmed(i, field).isEmpty())
-                return QLatin1String(label) + text(i, field) + QStringLiteral("''  in record # ") + rec +
+            if (present(field) && blank(i, field))
+                return QLatin1String(label) + text(i, field) + QStringLiteral("''  in record # ") + rec() +
                        QStringLiteral(" can not be an empty field.") + ImportDoneLine(i);
         return QString();
     case RecordTable::Customers:
@@ -218,8 +223,8 @@ QString RowWriter::refusal(qint32 i) const
         for (const auto& [field, label] : {std::pair{int(CuCompanyName), "CompanyName  = ''"},
                                            std::pair{int(CuLastName), "LastName  = ''"},
                                            std::pair{int(CuFirstName), "FirstName  = ''"}})
-            if (present(field) && trimmed(i, field).isEmpty())
-                return QLatin1String(label) + text(i, field) + QStringLiteral("''  in record # ") + rec +
+            if (present(field) && blank(i, field))
+                return QLatin1String(label) + text(i, field) + QStringLiteral("''  in record # ") + rec() +
                        QStringLiteral("  can not be an empty field.") + ImportDoneLine(i);
         return QString();
     case RecordTable::Locations: break;
@@ -242,21 +247,21 @@ void RowWriter::addIfPresent(const char* column, int f, int width)
 {
     if (!present(f))
         return;
-    switch (RecordLayout(m_list.table)[size_t(f)].kind) {
+    switch (m_list.kind(f)) {
     case CellKind::Number: add(column, [this, f](qint32 i) { return QVariant(whole(i, f)); }); return;
-    case CellKind::Real: add(column, [this, f](qint32 i) { return QVariant(m_list.cell(i, f).number); }); return;
+    case CellKind::Real: add(column, [this, f](qint32 i) { return QVariant(m_list.number(i, f)); }); return;
     case CellKind::Text: break;
     }
     if (width > 0)
-        add(column, [this, f, width](qint32 i) { return QVariant(trimmed(i, f).left(width)); });
+        add(column, [this, f, width](qint32 i) { return unowned(trimmedView(i, f).left(width)); });
     else
-        add(column, [this, f](qint32 i) { return QVariant(text(i, f)); });
+        add(column, [this, f](qint32 i) { return unowned(m_list.textView(i, f)); });
 }
 
 void RowWriter::addTrimmedIfPresent(const char* column, int f)
 {
     if (present(f))
-        add(column, [this, f](qint32 i) { return QVariant(trimmed(i, f)); });
+        add(column, [this, f](qint32 i) { return unowned(trimmedView(i, f)); });
 }
 
 void RowWriter::addDefaulted(const char* column, int f, const QString& blank)
@@ -266,8 +271,8 @@ void RowWriter::addDefaulted(const char* column, int f, const QString& blank)
         return;
     }
     add(column, [this, f, blank](qint32 i) {
-        const QString v = trimmed(i, f);
-        return QVariant(v.isEmpty() ? blank : v);
+        const QStringView v = trimmedView(i, f);
+        return v.isEmpty() ? QVariant(blank) : unowned(v);
     });
 }
 

@@ -259,7 +259,7 @@ qint16 ScanFieldValue(ImportRecordList& list, qint32 record, const QString& valu
     }
     list.present[size_t(rule->field)] = false;
 
-    const CellKind kind = RecordLayout(list.table)[size_t(rule->field)].kind;
+    const CellKind kind = list.kind(rule->field);
     QString text = value;
     double number = 0;
     qint16 result = ScanOk;
@@ -277,18 +277,17 @@ qint16 ScanFieldValue(ImportRecordList& list, qint32 record, const QString& valu
     if (result == ScanOk)
         result = runCheck(*rule, text, number, lookups, krvSettings, s);
 
-    ImportCell& cell = list.cell(record, rule->field);
     if (result != ScanOk) {
         if (list.isRequired(rule->name))
             return result;
-        cell.text.clear();
-        cell.number = 0;
-        return ScanOk;
+        // An optional field that fails is stored empty (or 0).
+        text.clear();
+        number = 0;
     }
     if (kind == CellKind::Text)
-        cell.text = text;
+        list.setText(record, rule->field, text);
     else
-        cell.number = number;
+        list.setNumber(record, rule->field, number);
     return ScanOk;
 }
 

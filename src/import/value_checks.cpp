@@ -162,7 +162,7 @@ qint16 textCheck(const TextCheck& rule, QString& value, const QString& name, int
         s.foundValue = (rule.longQuotesOriginal ? original : value) + QLatin1String(rule.tooLong);
         return rule.code;
     }
-    for (const QChar c : value)
+    for (const QChar c : std::as_const(value))
         if (!rule.allowed(c)) {
             s.foundValue = value + QLatin1String(rule.badSymbol);
             return rule.code;
