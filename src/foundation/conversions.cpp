@@ -58,13 +58,9 @@ QStringView TrimBlanks(QStringView text)
 
 QString TrimBlanks(const QString& text)
 {
-    qsizetype b = 0;
-    qsizetype e = text.size();
-    while (b < e && text.at(b) == QLatin1Char(' '))
-        ++b;
-    while (e > b && text.at(e - 1) == QLatin1Char(' '))
-        --e;
-    return text.mid(b, e - b);
+    // Untrimmed text comes back shared, not copied.
+    const QStringView trimmed = TrimBlanks(QStringView(text));
+    return trimmed.size() == text.size() ? text : trimmed.toString();
 }
 
 QString ConvertField2StandardDate(const QString& s)
