@@ -131,7 +131,6 @@ ImportScanOutcome ImportSession::scanFile(const QString& fileName)
     const bool krv = IsKrvSettings();
     const std::vector<int> tickedFields = TickedFields(*m_type, m_rows);
     int shownPercent = -1;
-    QStringList values;
 
     DelimitedLineReader reader;
     reader.setFileName(fileName);
@@ -157,13 +156,10 @@ ImportScanOutcome ImportSession::scanFile(const QString& fileName)
             }
             if (s.headingCount != fields)
                 return stopWith(s.headingCount > fields ? ScanTooFewFields : ScanTooManyFields);
-            values.clear();
-            for (int i = 1; i <= fields; ++i)
-                values << line.fieldText(i);
             const qint32 record = s.recordNumber;
             m_list.grow(record);
             for (int i = 1; i <= fields; ++i) {
-                const qint16 r = ScanFieldValue(m_list, record, values[i - 1], lookups, krv, s);
+                const qint16 r = ScanFieldValue(m_list, record, line.fieldText(i), lookups, krv, s);
                 if (r != ScanOk)
                     return stopWith(r);
             }

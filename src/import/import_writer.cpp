@@ -9,7 +9,6 @@
 #include <QDate>
 #include <QSet>
 
-#include <cmath>
 #include <functional>
 
 namespace tp {
@@ -56,40 +55,6 @@ int numberField(RecordTable t)
     return LoNumber;
 }
 
-// Every value of the first column of sql, given to add.
-template <class Add>
-void readColumn(cDAO& db, const QString& sql, Add add)
-{
-    RecordsetPtr rs = db.RecSet_Forward(sql);
-    for (; rs && !rs->atEnd(); rs->moveNext()) {
-        const QVariant v = rs->value(0);
-        if (!v.isNull())
-            add(v);
-    }
-    if (rs)
-        db.RS_Close(rs);
-}
-
-// The column's texts, trimmed and upper-cased.
-QSet<QString> textValues(cDAO& db, const QString& sql)
-{
-    QSet<QString> out;
-    readColumn(db, sql, [&out](const QVariant& v) { out.insert(TrimBlanks(v.toString()).toUpper()); });
-    return out;
-}
-
-// The column's whole numbers (a record's number is always whole, so no other can match it).
-QSet<qint64> wholeValues(cDAO& db, const QString& sql)
-{
-    QSet<qint64> out;
-    readColumn(db, sql, [&out](const QVariant& v) {
-        const double d = v.toDouble();
-        if (std::isfinite(d) && d == std::floor(d) && std::fabs(d) < 9e15)
-            out.insert(qint64(d));
-    });
-    return out;
-}
-
 // The reduced form a name with apostrophes is compared in: its first two pieces joined.
 QString comparedName(const QString& name)
 {
@@ -102,7 +67,7 @@ bool duplicatePass(cDAO& db, Feedback& fb, ImportRecordList& list)
     const TableInfo info = tableInfo(list.table);
     const qint32 n = list.lastRecord;
     if (list.table == RecordTable::Locations) {
-        const QSet<QString> names = textValues(db, QStringLiteral("Select LocationName from CommonLocations"));
+        const QSet<QString> names = ReadUpperTexts(db, QStringLiteral("Select LocationName from CommonLocations"));
         for (qint32 i = 1; i <= n; ++i) {
             const QString name = TrimBlanks(list.text(i, LoName));
             if (!names.contains(comparedName(name).toUpper()))
@@ -122,7 +87,7 @@ bool duplicatePass(cDAO& db, Feedback& fb, ImportRecordList& list)
     if (next < 1)
         next = 1;
     const QSet<qint64> numbers =
-        wholeValues(db, QStringLiteral("Select ") + info.numberColumn + QStringLiteral(" from ") + info.table);
+        ReadWholeNumbers(db, QStringLiteral("Select ") + info.numberColumn + QStringLiteral(" from ") + info.table);
     for (qint32 i = 1; i <= n; ++i) {
         const double number = list.number(i, field);
         if (!numbers.contains(qint64(number)))
@@ -134,7 +99,7 @@ bool duplicatePass(cDAO& db, Feedback& fb, ImportRecordList& list)
     }
     if (list.table != RecordTable::Vehicles)
         return true;
-    const QSet<QString> plates = textValues(db, QStringLiteral("Select LicenseNumber from VehicleInfo"));
+    const QSet<QString> plates = ReadUpperTexts(db, QStringLiteral("Select LicenseNumber from VehicleInfo"));
     for (qint32 i = 1; i <= n; ++i) {
         const QString plate = TrimBlanks(list.text(i, VeLicenseNumber));
         if (!plates.contains(plate.toUpper()))

@@ -3,6 +3,8 @@
 #include "foundation/conversions.h"
 #include "foundation/dao.h"
 
+#include <QVarLengthArray>
+
 #include <cfenv>
 #include <charconv>
 #include <cmath>
@@ -40,7 +42,7 @@ const QString kBlankZip = QStringLiteral("     -    ");
 
 bool isNumeric(const QString& text)
 {
-    const QString t = TrimBlanks(text);
+    const QStringView t = TrimBlanks(QStringView(text));
     qsizetype i = 0;
     const qsizetype n = t.size();
     if (i < n && (t[i] == QLatin1Char('+') || t[i] == QLatin1Char('-')))
@@ -73,20 +75,16 @@ std::optional<double> toNumber(const QString& text)
     if (!isNumeric(text))
         return std::nullopt;
     // Only sign, digits, point and exponent are left, all ASCII.
-    char buffer[64];
-    const QString t = TrimBlanks(text);
-    qsizetype from = t.startsWith(QLatin1Char('+')) ? 1 : 0;
-    const qsizetype n = t.size() - from;
-    if (n > qsizetype(sizeof buffer)) {
-        bool ok = false;
-        const double v = t.toDouble(&ok);
-        return ok && std::isfinite(v) ? std::optional<double>(v) : std::nullopt;
-    }
-    for (qsizetype k = 0; k < n; ++k)
-        buffer[k] = char(t.at(from + k).unicode());
+    QStringView t = TrimBlanks(QStringView(text));
+    if (t.startsWith(QLatin1Char('+')))
+        t = t.mid(1);
+    QVarLengthArray<char, 64> ascii(t.size());   // on the stack for any usual number
+    for (qsizetype k = 0; k < t.size(); ++k)
+        ascii[k] = char(t.at(k).unicode());
     double v = 0;
-    const auto [end, error] = std::from_chars(buffer, buffer + n, v);
-    if (error != std::errc() || end != buffer + n || !std::isfinite(v))
+    const char* const last = ascii.constData() + ascii.size();
+    const auto [end, error] = std::from_chars(ascii.constData(), last, v);
+    if (error != std::errc() || end != last || !std::isfinite(v))
         return std::nullopt;
     return v;
 }
@@ -327,13 +325,16 @@ bool PhoneNumber(QString& value)
 
 namespace {
 
-// Every value of the first column of a statement without parameters.
+// Every value of the first column of a statement without parameters, nulls left out.
 template <class Add>
 void readColumn(cDAO& db, const QString& sql, Add add)
 {
     RecordsetPtr rs = db.RecSet_Forward(sql);
-    for (; rs && !rs->atEnd(); rs->moveNext())
-        add(rs->value(0));
+    for (; rs && !rs->atEnd(); rs->moveNext()) {
+        const QVariant v = rs->value(0);
+        if (!v.isNull())
+            add(v);
+    }
     if (rs)
         db.RS_Close(rs);
 }
@@ -346,30 +347,31 @@ bool wholeIn(const QSet<qint64>& set, double number)
 
 } // namespace
 
+QSet<qint64> ReadWholeNumbers(cDAO& db, const QString& sql)
+{
+    QSet<qint64> out;
+    readColumn(db, sql, [&out](const QVariant& v) {
+        bool ok = false;
+        const double d = v.toDouble(&ok);
+        if (ok && std::isfinite(d) && d == std::floor(d) && std::fabs(d) < 9e15)
+            out.insert(qint64(d));
+    });
+    return out;
+}
+
+QSet<QString> ReadUpperTexts(cDAO& db, const QString& sql)
+{
+    QSet<QString> out;
+    readColumn(db, sql, [&out](const QVariant& v) { out.insert(TrimBlanks(v.toString()).toUpper()); });
+    return out;
+}
+
 void ImportLookups::load(cDAO& db)
 {
-    branches.clear();
-    groups.clear();
-    states.clear();
-    serials.clear();
-    const auto whole = [](QSet<qint64>& set) {
-        return [&set](const QVariant& v) {
-            bool ok = false;
-            const double d = v.toDouble(&ok);
-            if (ok && d == std::floor(d))
-                set.insert(qint64(d));
-        };
-    };
-    const auto text = [](QSet<QString>& set) {
-        return [&set](const QVariant& v) {
-            if (!v.isNull())
-                set.insert(v.toString().toUpper());
-        };
-    };
-    readColumn(db, QStringLiteral("Select BranchNumber FROM BranchInfo"), whole(branches));
-    readColumn(db, QStringLiteral("Select UniqueID FROM Extra2"), whole(groups));
-    readColumn(db, QStringLiteral("Select GTKRVAbbreviation FROM StatesAndProvinces"), text(states));
-    readColumn(db, QStringLiteral("Select TrackerSerialNumber FROM ValidTrackerSerialNumbers"), text(serials));
+    branches = ReadWholeNumbers(db, QStringLiteral("Select BranchNumber FROM BranchInfo"));
+    groups = ReadWholeNumbers(db, QStringLiteral("Select UniqueID FROM Extra2"));
+    states = ReadUpperTexts(db, QStringLiteral("Select GTKRVAbbreviation FROM StatesAndProvinces"));
+    serials = ReadUpperTexts(db, QStringLiteral("Select TrackerSerialNumber FROM ValidTrackerSerialNumbers"));
 }
 
 bool ImportLookups::branchExists(double number) const

@@ -48,6 +48,12 @@ QString padOrCut(const QString& value, int width);
 
 } // namespace check
 
+// A column read once for look-ups: the whole numbers of the first column of sql (nulls and
+// other values left out), and its texts trimmed and upper-cased (nulls left out). A statement
+// that fails gives an empty set, as a failed query finds nothing.
+QSet<qint64> ReadWholeNumbers(cDAO& db, const QString& sql);
+QSet<QString> ReadUpperTexts(cDAO& db, const QString& sql);
+
 // The look-ups used as checks, read once per scan instead of one query per value. Texts
 // compare without regard to letter case, as the product's database engine compares them.
 class ImportLookups {
