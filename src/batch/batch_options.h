@@ -1,7 +1,7 @@
 #pragma once
 // The batch tool's command line: what was asked for, checked for form only. Whether the user
 // may do it, and whether the fields exist, is decided later against the database.
-#include "export/export_writer.h"
+#include "delivery/export_writer.h"
 
 #include <QString>
 #include <QStringList>

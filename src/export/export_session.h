@@ -4,7 +4,7 @@
 // The window owns the widgets and mirrors this state into them.
 #include "export/assembler.h"
 #include "export/export_catalogue.h"
-#include "export/export_job.h"
+#include "delivery/export_job.h"
 #include "export/record_grid.h"
 #include "export/track_subjects.h"
 

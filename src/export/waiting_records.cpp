@@ -1,6 +1,6 @@
 #include "export/waiting_records.h"
 
-#include "export/export_marks.h"
+#include "delivery/export_marks.h"
 #include "export/export_values.h"
 #include "foundation/conversions.h"
 #include "foundation/dao.h"

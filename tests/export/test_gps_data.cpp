@@ -1,7 +1,7 @@
 // The GPS export on real databases: subjects widened to every track of their pairing in the
 // range, usable fixes only, names and unit texts under both settings files, subjects appended
 // in order, and the scan and the load stopping between subjects.
-#include "export/export_job.h"
+#include "delivery/export_job.h"
 #include "export/export_session.h"
 #include "export/gps_data.h"
 #include "foundation/globals.h"

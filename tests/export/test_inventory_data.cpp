@@ -1,7 +1,7 @@
 // The inventory export against real databases: the texts it tells, the question before a long
 // export, the names it looks up, the fields it never writes and the rows it marks.
 #include "export/export_catalogue.h"
-#include "export/export_job.h"
+#include "delivery/export_job.h"
 #include "export/inventory_data.h"
 #include "support/export_rows.h"
 #include "time_fixture.h"

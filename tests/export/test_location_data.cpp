@@ -1,7 +1,7 @@
 // Map locations and pinpoints against real databases: the empty table, the question before a
 // long map location scan, the status texts, the pinpoint columns and the fields a map location
 // file takes from the scan.
-#include "export/export_job.h"
+#include "delivery/export_job.h"
 #include "export/location_data.h"
 #include "support/export_rows.h"
 #include "time_fixture.h"

@@ -1,7 +1,7 @@
 // The time-data export against real SQLite files: counts, previews, streamed loads, the file
 // the save flow writes and the marks it leaves.
-#include "export/export_job.h"
-#include "export/export_lock.h"
+#include "delivery/export_job.h"
+#include "delivery/export_lock.h"
 #include "export/time_data.h"
 #include "time_fixture.h"
 

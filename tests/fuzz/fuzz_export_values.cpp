@@ -3,7 +3,7 @@
 #include "fuzz_input.h"
 
 #include "export/export_values.h"
-#include "export/export_writer.h"
+#include "delivery/export_writer.h"
 
 #include <QDir>
 #include <QTemporaryDir>

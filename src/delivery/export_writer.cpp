@@ -1,4 +1,4 @@
-#include "export/export_writer.h"
+#include "delivery/export_writer.h"
 
 #include "foundation/conversions.h"
 

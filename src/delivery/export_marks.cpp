@@ -1,4 +1,4 @@
-#include "export/export_marks.h"
+#include "delivery/export_marks.h"
 
 #include "foundation/dao.h"
 

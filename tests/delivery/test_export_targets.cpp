@@ -1,7 +1,7 @@
 // Where the writer's bytes go: through symbolic links, straight into FIFOs and devices, over
 // an existing file (its owner, group and mode kept, the old one back after an undo), and what
 // it clears away of runs that were killed.
-#include "export/export_writer.h"
+#include "delivery/export_writer.h"
 #include "support/foundation_fixture.h"
 
 #include <QDir>

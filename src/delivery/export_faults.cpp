@@ -1,4 +1,4 @@
-#include "export/export_faults.h"
+#include "delivery/export_faults.h"
 
 #include <QThread>
 

@@ -10,7 +10,7 @@
 // Only a kill in the instant between the file's rename and the commit leaves a complete file
 // whose records are still waiting (they go into the next export again).
 #include "export/assembler.h"
-#include "export/export_writer.h"
+#include "delivery/export_writer.h"
 
 #include <QString>
 #include <vector>

@@ -1,4 +1,4 @@
-#include "export/export_lock.h"
+#include "delivery/export_lock.h"
 
 #include "foundation/dao.h"
 #include "foundation/feedback.h"

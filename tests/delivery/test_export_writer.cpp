@@ -1,6 +1,6 @@
 // Typing, number forms, line and preview texts, and the bytes the file writer leaves.
 #include "export/export_values.h"
-#include "export/export_writer.h"
+#include "delivery/export_writer.h"
 #include "export/waiting_records.h"
 #include "support/foundation_fixture.h"
 

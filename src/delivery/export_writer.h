@@ -6,7 +6,7 @@
 // target that exists and is not a regular file (a FIFO, a device) and "-" (standard output)
 // are written directly. Temporary files of runs that were killed are removed by the next
 // run that writes into the same folder.
-#include "export/export_faults.h"
+#include "delivery/export_faults.h"
 #include "export/export_values.h"
 
 #include <QString>

@@ -1,7 +1,7 @@
-#include "export/export_job.h"
+#include "delivery/export_job.h"
 
 #include "export/availability.h"
-#include "export/export_lock.h"
+#include "delivery/export_lock.h"
 #include "foundation/dao.h"
 #include "foundation/feedback.h"
 
