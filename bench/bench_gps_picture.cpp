@@ -31,13 +31,9 @@ int main(int argc, char** argv)
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QGuiApplication app(argc, argv);
     QTemporaryDir dir;
-    const QString database = QDir(dir.path()).filePath(QStringLiteral("gps.db"));
-    tp::globals().SettingsFileName = QStringLiteral("KRV.ini");
-    QString error;
-    if (!bench::gps::buildDatabase(database, &error)) {
-        std::fprintf(stderr, "cannot build the database: %s\n", qPrintable(error));
+    const QString database = bench::gps::makeDatabase(dir);
+    if (database.isEmpty())
         return 1;
-    }
 
     tp::cDAO db;
     if (!db.DB_Connect(database, QString(), QStringLiteral("Admin"), QString())) {

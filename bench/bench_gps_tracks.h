@@ -10,8 +10,10 @@
 #include "foundation/feedback.h"
 #include "foundation/globals.h"
 
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QTemporaryDir>
 #include <QStringList>
 #include <sqlite3.h>
 
@@ -109,6 +111,19 @@ inline bool buildDatabase(const QString& file, QString* error)
     tp::DemoOptions options = recordFreeDemo(kSubjects + 20);
     options.vehicles = kSubjects + 10;
     return tp::createDemoDatabase(file, options, error) && fillTracks(file, error);
+}
+
+// The database in folder, under "KRV.ini"; empty (told on standard error) when it could not be
+// made.
+inline QString makeDatabase(const QTemporaryDir& folder)
+{
+    const QString database = QDir(folder.path()).filePath(QStringLiteral("gps.db"));
+    tp::globals().SettingsFileName = QStringLiteral("KRV.ini");
+    QString error;
+    if (buildDatabase(database, &error))
+        return database;
+    std::fprintf(stderr, "cannot build the database: %s\n", qPrintable(error));
+    return QString();
 }
 
 // The window's road from choosing "GPS Data" to a scan of every subject's March; false when a

@@ -74,12 +74,7 @@ bool writeTrackPicture(ExportSession& session, const Options& options, ConsoleFe
         return refuse(QStringLiteral("The picture %1 could not be written: %2").arg(options.picture, error));
     }
     writer.commit();
-    feedback.note(QStringLiteral("Track picture %1: %2 subjects, %3 tracks, %4 fixes (%5 left out of the export).")
-                      .arg(options.picture)
-                      .arg(set->subjects.size())
-                      .arg(set->tracks.size())
-                      .arg(tracks::fixCount(*set))
-                      .arg(set->leftOut));
+    feedback.note(QStringLiteral("Track picture %1: %2.").arg(options.picture, tracks::describeSet(*set)));
     feedback.status(kPictureCompleted);
     return true;
 }

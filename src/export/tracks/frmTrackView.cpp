@@ -5,7 +5,6 @@
 #include <QElapsedTimer>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QLocale>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -86,14 +85,8 @@ void frmTrackView::showLoaded()
         return;
     }
     auto set = std::make_shared<tracks::TrackSet>(m_reader.take());
-    const QLocale locale;
-    lblTracksStatus->setText(
-        QStringLiteral("%1 subjects, %2 tracks, %3 fixes (%4 left out of the export). "
-                       "Wheel: zoom; drag: move; double click: fit all.")
-            .arg(set->subjects.size())
-            .arg(set->tracks.size())
-            .arg(locale.toString(tracks::fixCount(*set)))
-            .arg(locale.toString(set->leftOut)));
+    lblTracksStatus->setText(tracks::describeSet(*set) +
+                             QStringLiteral(". Wheel: zoom; drag: move; double click: fit all."));
     cmdFit->setEnabled(true);
     m_canvas->setTracks(std::move(set));
 }

@@ -81,9 +81,11 @@ void TrackCanvas::startDrawing()
     auto set = m_set;
     const tracks::TrackView view = m_view;
     const bool miles = m_miles;
+    const qreal ratio = devicePixelRatioF();   // as sharp as the screen shows it
     auto stop = m_stop;
-    m_pool.start([this, set, view, miles, stop] {
-        QImage image(view.size(), QImage::Format_ARGB32_Premultiplied);
+    m_pool.start([this, set, view, miles, stop, ratio] {
+        QImage image(view.size() * ratio, QImage::Format_ARGB32_Premultiplied);
+        image.setDevicePixelRatio(ratio);
         QPainter painter(&image);
         const tracks::PictureParts parts = tracks::paintTracks(painter, *set, view, miles, stop.get());
         painter.end();
@@ -113,7 +115,8 @@ void TrackCanvas::drawNow()
     if (!m_set)
         return;
     m_view.setSize(size());
-    QImage image(m_view.size(), QImage::Format_ARGB32_Premultiplied);
+    QImage image(m_view.size() * devicePixelRatioF(), QImage::Format_ARGB32_Premultiplied);
+    image.setDevicePixelRatio(devicePixelRatioF());
     QPainter painter(&image);
     m_parts = tracks::paintTracks(painter, *m_set, m_view, m_miles);
     painter.end();

@@ -238,6 +238,17 @@ QString describeFix(const TrackSet& set, const FixHit& hit)
     return text;
 }
 
+QString describeSet(const TrackSet& set)
+{
+    const auto counted = [](qint64 n, const char* one, const char* many) {
+        return QString::number(n) + QLatin1Char(' ') + QLatin1String(n == 1 ? one : many);
+    };
+    return counted(qint64(set.subjects.size()), "subject", "subjects") + QStringLiteral(", ") +
+           counted(qint64(set.tracks.size()), "track", "tracks") + QStringLiteral(", ") +
+           counted(fixCount(set), "fix", "fixes") + QStringLiteral(" (") + QString::number(set.leftOut) +
+           QStringLiteral(" left out of the export)");
+}
+
 ScaleBar scaleBar(const TrackView& view, bool miles, double maxPixels)
 {
     constexpr double kMetresPerMile = 1609.344, kMetresPerFoot = 0.3048;

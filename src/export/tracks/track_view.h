@@ -96,6 +96,8 @@ struct FixHit {
 std::optional<FixHit> fixAt(const TrackSet& set, const TrackView& view, QPointF pixel, double radius);
 // The hover text of a fix: subject and track, date and time, speed.
 QString describeFix(const TrackSet& set, const FixHit& hit);
+// "4 subjects, 5 tracks, 9 fixes (2 left out of the export)".
+QString describeSet(const TrackSet& set);
 
 struct ScaleBar {
     double pixels = 0;
