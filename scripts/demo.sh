@@ -38,6 +38,14 @@ else
     echo "(the batch export did not run for user $user_id; see the text above)"
 fi
 
+# The GPS tracks of every subject in November 2023, drawn without a window.
+picture=$PWD/demo/tracks-november.png
+echo
+echo "Track picture of every subject's November 2023 into $picture:"
+build/tallyport-batch export --settings "$settings_file" --user "$user_id" --dataset "GPS Data" \
+        --fields TrackID --from 11/01/2023 --to 11/30/2023 --subject all --picture "$picture" \
+    || echo "(no picture for user $user_id; see the text above)"
+
 if [ -z "${DISPLAY:-}" ] && [ -z "${WAYLAND_DISPLAY:-}" ]; then
     echo
     echo "No display: running the program under Xvfb and saving pictures of its windows:"

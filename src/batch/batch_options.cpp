@@ -3,6 +3,7 @@
 #include "export/export_catalogue.h"
 
 #include <QDate>
+#include <QFileInfo>
 #include <QRegularExpression>
 #include <QSet>
 
@@ -14,7 +15,7 @@ namespace {
 
 enum class Arg {
     Settings, User, Dataset, Fields, Output, Input, From, To, Subject, Encoding,
-    FormatDate, FormatTime, Yes, Progress
+    FormatDate, FormatTime, Yes, Progress, Picture, PictureSize
 };
 
 struct ArgInfo {
@@ -40,6 +41,8 @@ const ArgInfo kArgs[] = {
     {"--format-time", Arg::FormatTime, false, true, false},
     {"--yes", Arg::Yes, false, true, true},
     {"--progress", Arg::Progress, false, false, true},
+    {"--picture", Arg::Picture, true, true, false},
+    {"--picture-size", Arg::PictureSize, true, true, false},
 };
 
 const ArgInfo* findArg(const QString& name)
@@ -78,6 +81,31 @@ bool isTrackId(const QString& text)
     return digits.match(text).hasMatch() && text.toInt() > 0;
 }
 
+// "WIDTHxHEIGHT" within what a picture may take (a 4096 by 4096 picture holds 64 MB).
+bool parsePictureSize(const QString& text, Options& o)
+{
+    static const QRegularExpression form(QStringLiteral("^([0-9]{2,4})x([0-9]{2,4})$"));
+    const QRegularExpressionMatch m = form.match(text);
+    if (!m.hasMatch())
+        return false;
+    o.pictureWidth = m.captured(1).toInt();
+    o.pictureHeight = m.captured(2).toInt();
+    return o.pictureWidth >= 64 && o.pictureHeight >= 64 && o.pictureWidth <= 4096 && o.pictureHeight <= 4096;
+}
+
+QString checkPicture(const Options& o, bool sizeGiven)
+{
+    if (o.picture.isEmpty())
+        return sizeGiven ? QStringLiteral("--picture-size goes with --picture") : QString();
+    if (o.dataset != kListGps)
+        return QStringLiteral("--picture is for GPS Data only");
+    if (o.picture == kStandardOutput)
+        return QStringLiteral("--picture needs a file name");
+    if (!o.output.isEmpty() && QFileInfo(o.picture).absoluteFilePath() == QFileInfo(o.output).absoluteFilePath())
+        return QStringLiteral("--picture and --output name the same file");
+    return QString();
+}
+
 // Checks that need the whole command line.
 QString checkExport(const Options& o)
 {
@@ -86,8 +114,8 @@ QString checkExport(const Options& o)
                exportDataSetNames().join(QStringLiteral(", "));
     if (!o.fieldsGiven)
         return QStringLiteral("export needs --fields");
-    if (o.output.isEmpty())
-        return QStringLiteral("export needs --output");
+    if (o.output.isEmpty() && o.picture.isEmpty())
+        return QStringLiteral("export needs --output (or, for GPS Data, --picture)");
     if (o.from.isEmpty() != o.to.isEmpty())
         return QStringLiteral("--from and --to go together");
     for (const QString& date : {o.from, o.to})
@@ -218,6 +246,13 @@ ParseResult parseArguments(const QStringList& arguments)
         case Arg::FormatTime: o.formatTime = true; break;
         case Arg::Yes: o.yes = true; break;
         case Arg::Progress: o.progress = true; break;
+        case Arg::Picture: o.picture = *value; break;
+        case Arg::PictureSize:
+            if (!parsePictureSize(*value, o)) {
+                result.error = QStringLiteral("--picture-size must be WIDTHxHEIGHT, each from 64 to 4096");
+                return result;
+            }
+            break;
         case Arg::Fields:
             o.fieldsGiven = true;
             result.error = parseFields(*value, isExport, o.fields);
@@ -246,6 +281,8 @@ ParseResult parseArguments(const QStringList& arguments)
         return result;
     }
     result.error = isExport ? checkExport(o) : checkImport(o);
+    if (result.error.isEmpty() && isExport)
+        result.error = checkPicture(o, given.contains(int(Arg::PictureSize)));
     return result;
 }
 
@@ -256,6 +293,7 @@ QString usageText()
         "  tallyport-batch export --settings FILE --user ID --dataset NAME --fields LIST --output FILE\n"
         "                         [--from MM/DD/YYYY --to MM/DD/YYYY] [--subject all|TRACKID]\n"
         "                         [--format-date] [--format-time] [--encoding windows-1252|utf-8] [--yes]\n"
+        "                         [--picture FILE.png [--picture-size WxH]]\n"
         "  tallyport-batch import --settings FILE --user ID --dataset NAME --input FILE [--fields LIST]\n"
         "                         [--yes] [--progress]\n"
         "  tallyport-batch --help | --version\n");
@@ -301,6 +339,11 @@ QString helpText()
         "                    Example: --from 01/01/2024 --to 01/31/2024\n"
         "  --subject S       GPS Data only (needs --from/--to): all, or one track id.\n"
         "                    Example: --subject all\n"
+        "  --picture FILE    GPS Data only: also draw the selected tracks into a PNG picture\n"
+        "                    (one colour per subject, start and end markers, grey crosses for\n"
+        "                    the fixes the export leaves out, a legend and a scale bar). Without\n"
+        "                    --output only the picture is made. Example: --picture march.png\n"
+        "  --picture-size WxH  the picture's size in pixels, 64 to 4096 each (default 1200x900).\n"
         "  --format-date     write dates as \"MM/DD/YYYY\" text instead of YYYYMMDD numbers.\n"
         "  --format-time     write times as \"HH:MM:SS\" text instead of HHMMSS numbers (a time\n"
         "                    stored with five digits keeps its one-digit hour: 9:30:00).\n"

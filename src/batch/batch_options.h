@@ -36,6 +36,8 @@ struct Options {
     FileEncoding encoding = FileEncoding::Windows1252;
     bool yes = false;
     bool progress = false;             // import: a line on standard error after each commit
+    QString picture;                   // GPS Data: the track picture (PNG) to write
+    int pictureWidth = 1200, pictureHeight = 900;
 
     bool byDate() const { return !from.isEmpty(); }
 };

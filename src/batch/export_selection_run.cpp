@@ -3,6 +3,7 @@
 // window's buttons make.
 #include "batch/batch_commands.h"
 
+#include "batch/batch_picture.h"
 #include "batch/console_feedback.h"
 #include "export/export_session.h"
 
@@ -49,6 +50,12 @@ int selectScanAndSave(ExportSession& session, const Options& options, ConsoleFee
     // The format buttons are offered only for a ticked Date or Time field.
     session.setDateFormat(options.formatDate && scan.dateFormat);
     session.setTimeFormat(options.formatTime && scan.timeFormat);
+    if (!options.picture.isEmpty()) {
+        if (!writeTrackPicture(session, options, feedback))
+            return finishWithStatus(feedback, out, ExitFailure);
+        if (options.output.isEmpty())
+            return finishWithStatus(feedback, out, ExitSuccess);
+    }
 
     feedback.status(kSavingFile);
     // "-" is standard output, which then carries the file alone; the last word goes with the

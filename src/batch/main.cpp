@@ -1,6 +1,7 @@
 // tallyport-batch: the Export or Import window's work without a window, for jobs
 // that run unattended. See --help and the "Batch tool" section of the README.
 #include "batch/batch_commands.h"
+#include "batch/batch_picture.h"
 #include "batch/batch_startup.h"
 #include "batch/console_feedback.h"
 #include "version.h"
@@ -12,7 +13,7 @@ using namespace tp::batch;
 
 int main(int argc, char** argv)
 {
-    QCoreApplication app(argc, argv);
+    const std::unique_ptr<QCoreApplication> app = makeApplication(argc, argv);
     const ParseResult parsed = parseArguments(QCoreApplication::arguments().mid(1));
     if (!parsed.ok())
         return usageError(parsed.error);

@@ -233,6 +233,18 @@ bool ExportFileWriter::flush()
         return true;
     const QByteArray bytes = encode(m_pending);
     m_pending.clear();
+    return writeRaw(bytes);
+}
+
+bool ExportFileWriter::writeBytes(const QByteArray& bytes)
+{
+    if (m_fd < 0)
+        return fail(QStringLiteral("File not open"));
+    return flush() && writeRaw(bytes);
+}
+
+bool ExportFileWriter::writeRaw(const QByteArray& bytes)
+{
     const char* p = bytes.constData();
     qint64 left = bytes.size();
     while (left > 0) {

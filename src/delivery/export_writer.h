@@ -42,6 +42,8 @@ public:
     bool open(const QString& fileName);
     bool writeHeader(const QStringList& headers);
     bool writeLine(const std::vector<ExportValue>& values);
+    // Bytes as they stand (a picture), after the lines written so far.
+    bool writeBytes(const QByteArray& bytes);
     // Writes what is buffered and flushes the file to disk. The chosen name is untouched.
     bool finish();
     // After finish: the file takes the chosen name (owner, group and mode of a file it
@@ -68,6 +70,7 @@ public:
 
 private:
     bool flush();
+    bool writeRaw(const QByteArray& bytes);
     bool fail(const QString& error);
     bool failErrno(int error);
     QByteArray encode(const QString& text) const;

@@ -142,6 +142,7 @@ void frmExport::buildControls()
     actions->addWidget(cmdFormatDate);
     actions->addWidget(cmdFormatTime);
     actions->addStretch(1);
+    actions->addWidget(buildShowTracks(m_actionBar));
     actions->addWidget(cmdPreviewExport);
     actions->addWidget(cmdCancelClose);
     m_actionBar->hide();

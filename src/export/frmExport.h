@@ -69,6 +69,8 @@ public:
     void CreateExportFile();
     void CancelExport();
     void CloseExportWindow();
+    // Opens the track view on the GPS selection (tracks/frmExport_tracks.cpp).
+    void ShowTracks();
 
     // The date handed to and back from the calendar, "MM/DD/YYYY"; emptied after use.
     QString CalendarResult;
@@ -96,6 +98,8 @@ private:
     // The controls as the Cancel button leaves them (the status is left to the caller).
     void applyCancelledControls();
     void setDateBoxesPicking(bool picking);
+    // Show Tracks, offered while a scanned GPS selection may be previewed or written.
+    QPushButton* buildShowTracks(QWidget* parent);
 
     ExportSession m_session;
 
@@ -119,6 +123,7 @@ private:
     QPushButton* cmdFormatTime = nullptr;
     QPushButton* cmdPreviewExport = nullptr;
     QPushButton* cmdCancelClose = nullptr;
+    QPushButton* cmdShowTracks = nullptr;
     QStatusBar* StatBar = nullptr;
     QWidget* m_selectionPanel = nullptr;   // the buttons right of the field grid
     QWidget* m_actionBar = nullptr;        // the buttons under the record grid

@@ -49,21 +49,22 @@ public:
 
     Lookups& lookups() { return m_lookups; }
 
-private:
-    // A subject's pairing and its tracks in the range.
+    // A subject's pairing and its tracks in the range (the track picture reads the same).
     struct Subject {
         bool failed = false;
         bool found = false;   // the naming track has a row
         qint32 employee = 0, vehicle = 0;
         std::vector<qint32> tracks;
     };
+    Subject selectSubject(const ExportRequest& request, qint32 track);
+
+private:
     // The per-subject values of the name and vehicle slots.
     struct SubjectTexts {
         QString first, last, license, unit, vehicle;
     };
     class Reader;
 
-    Subject selectSubject(const ExportRequest& request, qint32 track);
     SubjectTexts subjectTexts(const ExportRequest& request, const Subject& subject,
                               const Reader& reader);
     std::optional<qint64> countTrack(qint32 track);

@@ -3,6 +3,7 @@
 #include "export/frmExport.h"
 #include "export/frmExportCalendar.h"
 #include "export/frmTrackSubjects.h"
+#include "export/tracks/frmTrackView.h"
 
 #include <QApplication>
 #include <QCalendarWidget>
@@ -82,6 +83,13 @@ void saveGpsScreenshots(cDAO& db, QWidget* parent, Feedback* prompts, ui::FileDi
     onNextModal<frmExportCalendar>([](frmExportCalendar* c) { pickOfferedDay(c, true); });
     window.PickStopDate();
     window.ScanDatabase();
+    // The track view of the scanned selection, read and drawn at once.
+    window.ShowTracks();
+    if (auto* view = window.findChild<frmTrackView*>()) {
+        view->finishNow();
+        save(view, QStringLiteral("track-view.png"));
+        view->reject();
+    }
     window.FormatDateClicked();
     window.FormatTimeClicked();
     window.PreviewExport();

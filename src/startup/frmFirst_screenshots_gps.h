@@ -1,6 +1,7 @@
 #pragma once
 // Screenshot mode's pictures of the GPS export: the track-subject window with "All Subjects"
-// checked, and the Export window previewing the points of a month of the demo data.
+// checked, the track view of a month of the demo data, and the Export window previewing its
+// points.
 #include <QString>
 #include <functional>
 

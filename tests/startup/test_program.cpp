@@ -30,18 +30,20 @@ TEST_F(Program, ScreenshotModeSavesTheWindows)
     const ProgramRun r = run({"--screenshots", shots.path(), "x,KRV.ini,true,1"});
     ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
     const QStringList files = r.out.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-    ASSERT_EQ(files.size(), 12) << r.out.toStdString();
+    ASSERT_EQ(files.size(), 13) << r.out.toStdString();
     for (const QString& file : files) {
         EXPECT_TRUE(file.startsWith(shots.path()));
         EXPECT_GT(QFileInfo(file).size(), 1000) << file.toStdString();
     }
     EXPECT_TRUE(files.at(5).endsWith(QStringLiteral("export-window-preview.png")));
-    // The GPS pictures, then the import window's list, grid, fault message and confirmation sample.
+    // The GPS pictures (the subjects, the track view, the preview), then the import window's list,
+    // grid, fault message and confirmation sample.
     QStringList names;
     for (const QString& file : files.mid(6))
         names << QFileInfo(file).fileName();
-    EXPECT_EQ(names, (QStringList{"track-subjects.png", "export-window-gps-preview.png", "import-window-list.png",
-                                  "import-window.png", "import-window-fault.png", "import-window-sample.png"}));
+    EXPECT_EQ(names, (QStringList{"track-subjects.png", "track-view.png", "export-window-gps-preview.png",
+                                  "import-window-list.png", "import-window.png", "import-window-fault.png",
+                                  "import-window-sample.png"}));
 }
 
 // The desktop menu has no host line to pass: the window opens, says why its functions are off,
